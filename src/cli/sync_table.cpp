@@ -1,0 +1,192 @@
+#include "cli/sync_table.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <ctime>
+
+#include "conf/lines.h"
+#include "sync/network/auth.h"
+
+namespace cli {
+
+using shm::Slot;
+
+namespace {
+
+// Commands that only raise slots.
+int sendPtzControl(SyncArgs& a) {
+  a.block.set(Slot::ONVIF_CTRL, 17);
+  a.block.set(Slot::PTZ_CONTROL, 4);
+  a.block.set(Slot::WEB_SYNC_PROTECT, 0);
+  return 0;
+}
+
+int setAudio(SyncArgs& a, int number, int support) {
+  a.block.set(Slot::ONVIF_CTRL, number);
+  a.block.set(Slot::ONVIF_AUDIO_SUPPORT, support);
+  a.block.set(Slot::ONVIF_AUDIO_OUTPUT_SUPPORT, support);
+  return 0;
+}
+
+int upgradeFirmware(SyncArgs& a) {
+  a.block.set(Slot::ONVIF_CTRL, 30);
+  a.block.set(Slot::ONVIF_UPGRADE_FW, 2);
+  return 0;
+}
+
+int searchEvent(SyncArgs& a) {
+  a.block.set(Slot::ONVIF_CTRL, 33);
+  a.block.set(Slot::SEARCH_EVENT, 1);
+  a.block.set(Slot::WEB_SYNC_PROTECT, 0);
+  return 0;
+}
+
+int sendDiscovery(SyncArgs& a) {
+  std::printf("=== Send Discovery MSG ===\n");
+  a.block.set(Slot::ONVIF_CTRL, 98);
+  a.block.put(shm::kDiscoverySlot, 1);
+  return 0;
+}
+
+int packbitDecode(SyncArgs& a) {
+  std::printf("=== Packbit Decode ===\n");
+  a.block.set(Slot::ONVIF_CTRL, 99);
+  return 0;
+}
+
+int packbitEncode(SyncArgs& a) {
+  std::printf("=== Packbit Encode ===\n");
+  a.block.set(Slot::ONVIF_CTRL, 100);
+  return 0;
+}
+
+int hexToBinary(SyncArgs& a) {
+  std::printf("=== Hex to Binary ===\n");
+  a.block.set(Slot::ONVIF_CTRL, 101);
+  return 0;
+}
+
+const SyncCommand kCommands[] = {
+    {1, Frame::Standard, "WEB Update_Network", nullptr},
+    {2, Frame::Standard, "WEB Update_Imapge_Appearance", nullptr},
+    {3, Frame::Standard, "WEB Update_Imapge_Source", nullptr},
+    {4, Frame::Standard, "WEB Update_Audio_Source", nullptr},
+    {5, Frame::Standard, "WEB Update_framerate", nullptr},
+    {6, Frame::Standard, "WEB Update_frameskip", nullptr},
+    {7, Frame::Standard, "WEB Update_Flip_Vision", nullptr},
+    {8, Frame::Standard, "WEB Update_Hostname_To_Scopes", nullptr},
+    {9, Frame::Standard, "WEB Update_Multicast", nullptr},
+    {10, Frame::Standard, "WEB Update_PTZ_Image_Flip", nullptr},
+    {11, Frame::Standard, "WEB Update_RS485Control", nullptr},
+    {12, Frame::Standard, "WEB Update_AlarmOutput_High_Low", nullptr},
+    {13, Frame::Standard, "WEB Update_AvailableResolutionTable", nullptr},
+    {14, Frame::Standard, "WEB Update_PresetTour", nullptr},
+    {15, Frame::Standard, "WEB Update_H264Profile", nullptr},
+    {16, Frame::Standard, "WEB Update_OSD", nullptr},
+    {17, Frame::NoWaitNoLog, nullptr, sendPtzControl},
+    {18, Frame::Standard, "WEB Update_Recording", nullptr},
+    {19, Frame::Standard, "WEB Update_EncodingPriority", nullptr},
+    {20, Frame::Standard, "WEB Update_IPV6", nullptr},
+    {21, Frame::Standard, "WEB Update_Brask_OnvifSetting",
+     [](SyncArgs& a) { return onvif::Update_Brask_OnvifSetting(a.block); }},
+    {22, Frame::Standard, "WEB STA_OnvifSetting_Protect",
+     [](SyncArgs& a) { return onvif::STA_OnvifSetting_Protect(a.block); }},
+    {23, Frame::Standard, "WEB ProfileQ_Authentication_Setting",
+     [](SyncArgs& a) { return onvif::ProfileQ_Authentication_Setting(a.block); }},
+    {24, Frame::Standard, "WEB Update_AddUser", nullptr},
+    {25, Frame::Standard, "WEB Update_RemoveUser", nullptr},
+    {26, Frame::Standard, "WEB Update_SetUser", nullptr},
+    {27, Frame::NoWait, "API Set Without Audio", [](SyncArgs& a) { return setAudio(a, 27, 0); }},
+    {28, Frame::NoWait, "API Set With Audio", [](SyncArgs& a) { return setAudio(a, 28, 1); }},
+    {29, Frame::Standard, "WEB Update_IPAddr", nullptr},
+    {30, Frame::NoWait, "Upgrade FW from StartFirmwareUpgrade", upgradeFirmware},
+    {31, Frame::Standard, "WEB Update_Recording_Channel", nullptr},
+    {32, Frame::Standard, "WEB Change_Onvif_Path", nullptr},
+    {33, Frame::WaitNoLog, nullptr, searchEvent},
+    {34, Frame::Standard, "WEB Update_AdminUser", nullptr},
+    {35, Frame::Standard, "WEB Update_SD_CARD_STATUS", nullptr},
+    {36, Frame::Standard, "WEB Update_SmartCompression", nullptr},
+    {98, Frame::None, nullptr, sendDiscovery},
+    {99, Frame::None, nullptr, packbitDecode},
+    {100, Frame::None, nullptr, packbitEncode},
+    {101, Frame::None, nullptr, hexToBinary},
+};
+
+constexpr useconds_t kWaitStep = 100000;  // 100 ms
+constexpr int kWaitSteps = 300;           // 30 s
+
+}  // namespace
+
+const SyncCommand* findSyncCommand(int number) {
+  for (const SyncCommand& c : kCommands)
+    if (c.number == number) return &c;
+  return nullptr;
+}
+
+int multiStreamFlag(int device, int brand) {
+  if (device == 6 || device == 7) return 1;
+  return brand > 11 ? 1 : 0;
+}
+
+void protectWait(shm::ShmBlock& block, Slot flag) {
+  int count = 0;
+  do {
+    usleep(kWaitStep);
+    ++count;
+  } while (count < kWaitSteps && block.get(flag) == 1);
+}
+
+void writeDebugLog(const char* label, shm::ShmBlock& block) {
+  if (block.get(Slot::ONVIF_DEBUG_LOG_USE) == 1) protectWait(block, Slot::ONVIF_DEBUG_LOG_USE);
+  block.set(Slot::ONVIF_DEBUG_LOG_USE, 1);
+  std::time_t now = std::time(nullptr);
+  struct tm utc {};
+  gmtime_r(&now, &utc);
+  std::FILE* f = conf::openCamera("/tmp/onvif/DebugLog", "a");
+  if (f == nullptr) f = conf::openCamera("/tmp/onvif/DebugLog", "w");
+  if (f != nullptr) {
+    std::fprintf(f, "%02d:%02d:%02d %s\n", utc.tm_hour, utc.tm_min, utc.tm_sec, label);
+    std::fclose(f);
+  }
+  block.set(Slot::ONVIF_DEBUG_LOG_USE, 0);
+}
+
+int dispatch(int number, shm::ShmBlock& block) {
+  const SyncCommand* cmd = findSyncCommand(number);
+  if (cmd == nullptr) return 0;
+  auto run = [&]() {
+    SyncArgs args{block, multiStreamFlag(block.get(Slot::ONVIF_DEVICE), block.get(Slot::ONVIF_BRAND))};
+    return cmd->run != nullptr ? cmd->run(args) : 0;
+  };
+  auto logIfDebug = [&]() {
+    if (cmd->label != nullptr && block.get(Slot::ONVIF_DEBUG_LOG) == 1) writeDebugLog(cmd->label, block);
+  };
+
+  int result = 0;
+  switch (cmd->frame) {
+    case Frame::Standard:
+      protectWait(block, Slot::WEB_SYNC_PROTECT);
+      block.set(Slot::WEB_SYNC_PROTECT, 1);
+      block.set(Slot::ONVIF_CTRL, number);
+      result = run();
+      logIfDebug();
+      block.set(Slot::WEB_SYNC_PROTECT, 0);
+      break;
+    case Frame::NoWait:
+      result = run();
+      logIfDebug();
+      break;
+    case Frame::WaitNoLog:
+      protectWait(block, Slot::WEB_SYNC_PROTECT);
+      result = run();
+      break;
+    case Frame::NoWaitNoLog:
+    case Frame::None:
+      result = run();
+      break;
+  }
+  return result;
+}
+
+}  // namespace cli

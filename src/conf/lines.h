@@ -1,0 +1,39 @@
+// Line pieces. Every file is read as the routines always read it: at most 255
+// characters plus the terminator at a time, so a longer line arrives in pieces
+// and each piece is treated as a line of its own. A piece ends at the first
+// NUL byte, as any C string does.
+#pragma once
+
+#include <cstdio>
+#include <functional>
+#include <cstring>
+#include <string>
+
+namespace conf {
+
+inline constexpr int kLineBuffer = 256;
+
+class LineReader {
+ public:
+  explicit LineReader(std::FILE* f) : f_(f) {}
+  // Reads the next piece; false at the end of the file.
+  bool next() { return std::fgets(buf_, kLineBuffer, f_) != nullptr; }
+  const char* line() const { return buf_; }
+
+ private:
+  std::FILE* f_;
+  char buf_[kLineBuffer] = {};
+};
+
+// Calls `fn` with each piece of the file at a camera path until it returns
+// false. Returns false when the file cannot be opened.
+bool forEachLine(const std::string& cameraPath, const std::function<bool(const char*)>& fn);
+
+// Opens a camera path with fopen's mode.
+std::FILE* openCamera(const std::string& cameraPath, const char* mode);
+
+// True when the line holds `key` anywhere.
+inline bool holds(const char* line, const char* key) { return std::strstr(line, key) != nullptr; }
+inline bool holds(const char* line, const std::string& key) { return holds(line, key.c_str()); }
+
+}  // namespace conf

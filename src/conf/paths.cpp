@@ -1,0 +1,25 @@
+#include "conf/paths.h"
+
+#include <cstdlib>
+
+namespace conf {
+
+std::string cameraRoot() {
+  const char* root = std::getenv("ONVIFCTRL_ROOT");
+  if (root == nullptr) return std::string();
+  std::string r(root);
+  while (r.size() > 1 && r.back() == '/') r.pop_back();
+  if (r == "/") r.clear();
+  return r;
+}
+
+std::string hostPath(const std::string& cameraPath) {
+  std::string root = cameraRoot();
+  if (root.empty()) return cameraPath;
+  if (!cameraPath.empty() && cameraPath.front() == '/') return root + cameraPath;
+  return root + "/" + cameraPath;
+}
+
+std::string wsTemp(const std::string& routine) { return std::string(kTmpDir) + "WS_" + routine; }
+
+}  // namespace conf

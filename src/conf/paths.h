@@ -1,0 +1,30 @@
+// Camera paths.
+//
+// Every file the tool touches is named by its path on the camera. When the
+// environment variable ONVIFCTRL_ROOT is set (host demos and tests), each such
+// path is resolved under that folder instead; messages keep showing the
+// camera path. On the camera the variable is unset and paths are used as is.
+#pragma once
+
+#include <string>
+
+namespace conf {
+
+// The host path of a camera path ("/etc/sysconfig/network.conf").
+std::string hostPath(const std::string& cameraPath);
+
+// The ONVIFCTRL_ROOT folder, or an empty string when unset.
+std::string cameraRoot();
+
+// Paths the whole tool shares.
+inline constexpr const char* kErrorLog = "/tmp/onvif_error";
+inline constexpr const char* kTmpDir = "/tmp/onvif/tmp/";
+inline constexpr const char* kLiveDir = "/tmp/onvif/";
+inline constexpr const char* kPersistDir = "/usr/apache/htdocs/onvif/";
+inline constexpr const char* kLiveOnvifConf = "/tmp/onvif/onvif.conf";
+inline constexpr const char* kPersistOnvifConf = "/usr/apache/htdocs/onvif/onvif.conf";
+
+// "/tmp/onvif/tmp/WS_" followed by the routine's name.
+std::string wsTemp(const std::string& routine);
+
+}  // namespace conf

@@ -1,0 +1,97 @@
+#include "conf/rewrite.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "conf/error_log.h"
+#include "conf/lines.h"
+#include "conf/self_format.h"
+#include "conf/shell.h"
+
+namespace conf {
+
+Rule set(const std::string& key, const std::string& value) {
+  std::string line = key + value + "\n";
+  return Rule{key, [line](const char*) { return Out::write(line); }};
+}
+
+Rule fixed(const std::string& key, const std::string& line) {
+  return Rule{key, [line](const char*) { return Out::write(line); }};
+}
+
+Rule keepLine(const std::string& key) {
+  return Rule{key, [](const char*) { return Out::keep(); }};
+}
+
+Rule dropLine(const std::string& key) {
+  return Rule{key, [](const char*) { return Out::drop(); }};
+}
+
+Rule rule(const std::string& key, std::function<Out(const char* line)> apply) {
+  return Rule{key, std::move(apply)};
+}
+
+namespace {
+
+bool put(std::FILE* f, const std::string& s) {
+  return s.empty() || std::fwrite(s.data(), 1, s.size(), f) == s.size();
+}
+
+Result writeFailed(const RewriteJob& job) {
+  return Result{Status::WriteFailed, logError(job.routine + ":" + job.temp + " write failed")};
+}
+
+Result sourceMissing(const RewriteJob& job) {
+  int shell = job.missing.empty() ? 0 : logError(job.missing.c_str(), job.source);
+  return Result{Status::SourceMissing, shell};
+}
+
+}  // namespace
+
+Result rewrite(const RewriteJob& job, const std::vector<Rule>& rules) {
+  std::FILE* temp = nullptr;
+  if (job.tempFirst) temp = openCamera(job.temp, job.tempMode);
+  std::FILE* src = openCamera(job.source, "r");
+  if (src == nullptr) {
+    if (temp != nullptr) std::fclose(temp);
+    return sourceMissing(job);
+  }
+  if (!job.tempFirst) temp = openCamera(job.temp, job.tempMode);
+  if (temp == nullptr) {
+    std::fclose(src);
+    return writeFailed(job);
+  }
+
+  bool ok = true;
+  LineReader reader(src);
+  while (reader.next()) {
+    const char* line = reader.line();
+    Out out = Out::keep();
+    for (const Rule& r : rules) {
+      if (holds(line, r.key)) {
+        out = r.apply(line);
+        break;
+      }
+    }
+    if (out.keepLine) ok = put(temp, selfFormat(line)) && ok;
+    ok = put(temp, out.text) && ok;
+  }
+  std::fclose(src);
+
+  if (job.sync) {
+    int fd = fileno(temp);
+    if (fsync(fd) != 0 && errno == EINVAL) fdatasync(fd);
+  }
+  if (std::ferror(temp)) ok = false;
+  if (std::fclose(temp) != 0) ok = false;
+  if (!ok) return writeFailed(job);
+
+  int shell = 0;
+  for (const std::string& target : job.targets) shell = shellCopy(job.temp, target);
+  return Result{Status::Done, shell};
+}
+
+}  // namespace conf

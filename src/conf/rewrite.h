@@ -1,0 +1,71 @@
+// The rewrite engine: the one procedure by which every routine rebuilds an
+// ONVIF configuration file.
+//
+// A routine states its job (source, temporary file, copy-back targets, the
+// error-log text for a missing source, the flush policy) and an ordered list
+// of rules {key, what to write}. The engine reads the source in 255-character
+// pieces; for each piece the first rule whose key occurs in it decides what is
+// written in its place, and a piece that no rule claims is written as its own
+// format (self_format.h). It then syncs the temporary file (fsync, or fdatasync
+// where fsync answers EINVAL), closes it and copies it over each target with
+// "cp %s %s" in the order given. The temporary file is left in place.
+//
+// Nothing is copied back unless the temporary file was written whole: when it
+// cannot be created, or a write or its close fails, the targets stay as they
+// were and "<routine>:<temporary path> write failed" goes to the error log.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace conf {
+
+// What a rule writes in place of a line.
+struct Out {
+  bool keepLine = true;  // the line itself, written as its own format
+  std::string text;      // then this text, verbatim
+
+  static Out keep() { return Out{true, {}}; }
+  static Out drop() { return Out{false, {}}; }
+  static Out write(std::string t) { return Out{false, std::move(t)}; }
+  static Out keepThen(std::string t) { return Out{true, std::move(t)}; }
+};
+
+struct Rule {
+  std::string key;  // found anywhere in the line; "" claims every line
+  std::function<Out(const char* line)> apply;
+};
+
+// key + value + "\n" (the "key%s\n" replacement).
+Rule set(const std::string& key, const std::string& value);
+// A whole literal line ("Network.IPv4.Config.DHCP=true\n").
+Rule fixed(const std::string& key, const std::string& line);
+// The line is kept / dropped.
+Rule keepLine(const std::string& key);
+Rule dropLine(const std::string& key);
+// A rule computed from the line.
+Rule rule(const std::string& key, std::function<Out(const char* line)> apply);
+
+struct RewriteJob {
+  std::string routine;               // names the routine in the "write failed" line
+  std::string source;                // camera path of the file read
+  std::string temp;                  // camera path of the temporary file
+  std::vector<std::string> targets;  // copy-back targets, in order
+  std::string missing;               // error-log shape for a missing source ("%s": its path); "" logs nothing
+  bool sync = true;                  // fsync/fdatasync before closing the temporary file
+  const char* tempMode = "w";
+  bool tempFirst = true;  // create the temporary file before testing the source
+};
+
+enum class Status { Done, SourceMissing, WriteFailed };
+
+struct Result {
+  Status status;
+  int shell;  // status of the last shell command run (0 when none ran)
+  bool done() const { return status == Status::Done; }
+};
+
+Result rewrite(const RewriteJob& job, const std::vector<Rule>& rules);
+
+}  // namespace conf

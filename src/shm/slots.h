@@ -1,0 +1,269 @@
+// The server block's slot vocabulary: every named slot with its index.
+//
+// The indices are a format shared with onvifServer and must never change.
+// This list is also the one name table behind every dump of the block
+// (onvifCtrl -s 2, onvif-shm dump), so a slot added here shows up there.
+#pragma once
+
+#include <cstddef>
+
+namespace shm {
+
+#define ONVIF_SLOTS(X) \
+  X(SERVER_STATE, 1) \
+  X(ONVIF_BRAND, 2) \
+  X(ONVIF_CHANGE_STREAM_SETTING, 3) \
+  X(ONVIF_STREAM_SETTING_DONE, 4) \
+  X(ONVIF_FRAME_CONTROL, 5) \
+  X(ONVIF_PROBE_MATCH, 6) \
+  X(ONVIF_IMAGE_UPDATE, 7) \
+  X(ONVIF_GOV, 8) \
+  X(ONVIF_BITRATE, 9) \
+  X(ONVIF_MULTIPLE_STREAM, 10) \
+  X(ONVIF_CH1_RESOLUTION, 11) \
+  X(ONVIF_CH2_RESOLUTION, 13) \
+  X(ONVIF_CH3_RESOLUTION, 14) \
+  X(ONVIF_CH4_RESOLUTION, 15) \
+  X(ONVIF_PT_SUPPORT, 16) \
+  X(ONVIF_ZF_SUPPORT, 17) \
+  X(ONVIF_IO_TYPE, 18) \
+  X(ONVIF_EVENT_CRTL, 19) \
+  X(ONVIF_SEND_NOTIFY, 20) \
+  X(ONVIF_MOTION, 21) \
+  X(ONVIF_TAMPERING, 22) \
+  X(ONVIF_IO_TRIGGER, 23) \
+  X(ONVIF_IO_TRIGGER_2, 24) \
+  X(ONVIF_IO_TRIGGER_3, 25) \
+  X(ONVIF_IO_TRIGGER_4, 26) \
+  X(ONVIF_SetHomePosition, 27) \
+  X(CHANGE_IP, 28) \
+  X(MULTICASTING, 29) \
+  X(ONVIF_AUDIO, 30) \
+  X(ONVIF_CHANGE_AUDIO, 31) \
+  X(ONVIF_SENSOR, 32) \
+  X(CHANGE_HEIGHT, 33) \
+  X(CHANGE_WIDTH, 34) \
+  X(IMAGE_EXPOSURE_TYPE, 35) \
+  X(IMAGE_EXPOSURE_MODE, 36) \
+  X(IMAGE_EXPOSURE_FIXEDSHUTTER, 37) \
+  X(IMAGE_EXPOSURE_GAIN, 38) \
+  X(IMAGE_WDR_MODE, 39) \
+  X(IMAGE_WDR_LEVEL, 40) \
+  X(IMAGE_BL_MODE, 41) \
+  X(IMAGE_WBC_MODE, 42) \
+  X(IMAGE_WBC_RGAIN, 43) \
+  X(IMAGE_WBC_BGAIN, 44) \
+  X(IMAGE_BRIGHTNESS, 45) \
+  X(IMAGE_SHARPNESS, 46) \
+  X(IMAGE_CONTRAST, 47) \
+  X(IMAGE_COLORLEVEL, 48) \
+  X(IMAGE_IR_MODE, 49) \
+  X(ONVIF_RESOLUTION_NEW, 50) \
+  X(ONVIF_RESOLUTION_MPEG4, 51) \
+  X(ONVIF_RESOLUTION_JPEG, 52) \
+  X(ONVIF_RESOLUTION_H264, 53) \
+  X(ONVIF_RESOLUTION_H264_2, 54) \
+  X(ONVIF_PANTILT_TIMEOUT, 55) \
+  X(ONVIF_ZOOM_TIMEOUT, 56) \
+  X(IMAGE_AUTOFOCUS_MODE, 57) \
+  X(ONVIF_VIDEO_TYPE, 58) \
+  X(ONVIF_DEVICE_SERVICE, 59) \
+  X(ONVIF_RESET, 60) \
+  X(ONVIF_RESET_BAK, 61) \
+  X(ONVIF_SAYHELLO, 62) \
+  X(ONVIF_SCOPE_FLAG, 63) \
+  X(WS_MSG_NUM, 64) \
+  X(WS_INS_ID, 65) \
+  X(ONVIF_USER_ACCOUNT, 66) \
+  X(ONVIF_NETWORK_STATUS, 67) \
+  X(ONVIF_ZOOM_STATUS, 68) \
+  X(ONVIF_QUALITY, 69) \
+  X(ONVIF_LENS, 70) \
+  X(IMAGE_AUTOFOCUS_SETTING, 71) \
+  X(ONVIF_IPV6_STATUS, 72) \
+  X(ONVIF_SET_GATEWAY, 73) \
+  X(ONVIF_CODEC, 74) \
+  X(ONVIF_CTRL, 75) \
+  X(ONVIF_AUDIO_SUPPORT, 76) \
+  X(ONVIF_DISCOVER_MODE, 77) \
+  X(ONVIF_MODULE_TYPE, 78) \
+  X(ONVIF_DEVICE, 79) \
+  X(ONVIF_MULTIPLE_STREAM_NEW, 80) \
+  X(ONVIF_CODEC_NEW, 81) \
+  X(ONVIF_EVENT_WRITTING_CRTL, 82) \
+  X(ONVIF_EVENT_SUBSCRIBE_CRTL, 83) \
+  X(IMAGE_EXPOSURE_IRIS, 84) \
+  X(RECORDING_NAME_FORMAT, 723) \
+  X(PTZ_CONTROL, 800) \
+  X(ALARM_INPUT_NBR, 801) \
+  X(ONVIF_SETTING_USER, 802) \
+  X(PORTRAIT_MODE, 803) \
+  X(CMD_PRIVACY, 804) \
+  X(PROFILE_SETTING, 805) \
+  X(QZR_IQM_ENABLE, 806) \
+  X(ONVIF_BADIMAGEQUALITY, 807) \
+  X(ONVIF_IMAGETOOBRIGHT, 808) \
+  X(ONVIF_IMAGETOODARK, 809) \
+  X(ONVIF_IMAGETOOBLURRY, 810) \
+  X(ONVIF_HIGHCONTRAST, 811) \
+  X(ONVIF_LOWCONTRAST, 812) \
+  X(ONVIF_LOWSNR, 813) \
+  X(ONVIF_WIFI_SUPPORT, 814) \
+  X(WEB_SYNC_PROTECT, 815) \
+  X(CHANGE_H264_PROFILE, 816) \
+  X(IMAGE_IRLED, 817) \
+  X(UNICAST_AND_MULTICAST_MODE, 818) \
+  X(IMAGE_EXPOSURE_COMP, 819) \
+  X(ONVIF_IO_INPUT_TYPE, 820) \
+  X(ONVIF_IO_OUTPUT_TYPE, 821) \
+  X(SEND_HEARTBEAT_MSG, 823) \
+  X(BRAND_REGION, 824) \
+  X(IMAGE_EXPOSURE_GAIN_MAX, 825) \
+  X(ONVIF_AUDIO_OUTPUT_SUPPORT, 826) \
+  X(ONVIF_GOTOPRESET_LEFT_NO, 827) \
+  X(ONVIF_GETOPTIONS, 828) \
+  X(ONVIF_GOTOPRESET_NO, 829) \
+  X(ONVIF_GOTOPRESET_STATUS, 830) \
+  X(ONVIF_SETNETWORKINTERFACE, 831) \
+  X(ONVIF_MOTION_2, 832) \
+  X(ONVIF_MOTION_3, 833) \
+  X(ONVIF_MOTION_4, 834) \
+  X(ONVIF_ROTATE_MODE, 835) \
+  X(ONVIF_IO_OUTPUT1, 836) \
+  X(ONVIF_IO_OUTPUT2, 837) \
+  X(ONVIF_OUTPUT1_ACTIVE_STATE, 838) \
+  X(ONVIF_OUTPUT2_ACTIVE_STATE, 839) \
+  X(OUTPUT1_MONOSTABLE_TIMEOUT, 840) \
+  X(OUTPUT2_MONOSTABLE_TIMEOUT, 841) \
+  X(OUTPUT1_SET_RELAYSTATE, 842) \
+  X(OUTPUT2_SET_RELAYSTATE, 843) \
+  X(VELARA_RESOLUTION_TYPE, 844) \
+  X(ONVIF_CHECK_PASSWORD, 845) \
+  X(ONVIF_DIGITALZOOM, 846) \
+  X(TWO_CH_MAX_SAME_RESOLUTION, 847) \
+  X(THREE_CH_MAX_SAME_RESOLUTION, 848) \
+  X(FOUR_CH_MAX_SAME_RESOLUTION, 849) \
+  X(ONVIF_IMAGE_FLIP, 850) \
+  X(ONVIF_ZF_SUPPORT_BAKEUP, 851) \
+  X(ONVIF_DSP_TYPE, 852) \
+  X(ONVIF_SetRecordingConfiguration, 853) \
+  X(ONVIF_CreateRecordingJob, 854) \
+  X(ONVIF_SetRecordingJobMode, 855) \
+  X(ONVIF_SetTrackConfiguration, 856) \
+  X(ONVIF_HDR_MODE, 858) \
+  X(ONVIF_VE1_FPS, 859) \
+  X(ONVIF_VE2_FPS, 860) \
+  X(ONVIF_VE3_FPS, 861) \
+  X(ONVIF_VE4_FPS, 862) \
+  X(DVS_FAN_FAILED, 863) \
+  X(DVS_POWER_FAILED, 864) \
+  X(DVS_STORAGE_FAILED, 865) \
+  X(DVS_CRITICAL_TEMP, 866) \
+  X(MONITORINT_EVT_CLOCK, 867) \
+  X(MONITORINT_EVT_LAST_BACKUP, 868) \
+  X(MONITORINT_EVT_CPU_USAGE, 869) \
+  X(MONITORINT_EVT_LAST_RESET, 870) \
+  X(MONITORINT_EVT_LAST_REBOOT, 871) \
+  X(ONVIF_NETWORK_IPV6_STATUS, 872) \
+  X(ONVIF_SET_DNS, 873) \
+  X(ONVIF_CreateTrack, 874) \
+  X(ONVIF_DeleteTrack, 875) \
+  X(ONVIF_CreateRecording, 876) \
+  X(ONVIF_DeleteRecording, 877) \
+  X(ONVIF_AddTrackByCreateRecording, 878) \
+  X(ONVIF_DelTrackByDeleteRecording, 879) \
+  X(ONVIF_DELETE_TRACK_DATA, 880) \
+  X(SUPPORT_RS485_CAMERA, 881) \
+  X(RECORD_AUDIO, 882) \
+  X(INDOOR_VAL, 883) \
+  X(ONVIF_IPV4_STATUS, 884) \
+  X(ADVANCE_SECURITY, 885) \
+  X(SET_MULTICAST_VIDEO, 886) \
+  X(ONVIF_UPGRADE_FW, 887) \
+  X(ONVIF_SETTING_CTRL, 888) \
+  X(PROFILE_Q_AUTHENTICATION, 889) \
+  X(WEARABLE_BUT1, 890) \
+  X(WEARABLE_BUT2, 891) \
+  X(WEARABLE_BUT3, 892) \
+  X(WEARABLE_BUT4, 893) \
+  X(WEARABLE_BUT5, 894) \
+  X(WEARABLE_BATTERY, 895) \
+  X(WEARABLE_GPS, 896) \
+  X(WEARABLE_GPS_WORKTIME, 897) \
+  X(ONVIF_SET_HOSTNAME, 898) \
+  X(SET_MULTICAST_AUDIO, 899) \
+  X(ONVIF_SET_CH1_BITRATE, 901) \
+  X(ONVIF_SET_CH2_BITRATE, 902) \
+  X(ONVIF_SET_CH3_BITRATE, 903) \
+  X(ONVIF_SET_CH4_BITRATE, 904) \
+  X(ONVIF_SYSTEM_RESTORE, 905) \
+  X(ONVIF_SIGNALLOSS, 906) \
+  X(ONVIF_VIDEOSHADING, 907) \
+  X(ONVIF_COLORCAST, 908) \
+  X(PATH_DEVICE_IO, 909) \
+  X(ONVIF_CH1_CODEC, 910) \
+  X(ONVIF_CH2_CODEC, 911) \
+  X(ONVIF_CH3_CODEC, 912) \
+  X(ONVIF_CH4_CODEC, 913) \
+  X(ONVIF_DEVICE_MODEL, 914) \
+  X(ONVIF_MAX_RESOLUTION, 915) \
+  X(VIDEO_ENCODER_CHANGE, 916) \
+  X(SEARCH_EVENT, 917) \
+  X(CREATE_RSA_KEYPAIR, 918) \
+  X(WEARABLE_GYRO, 919) \
+  X(WEARABLE_GYRO_WORKTIME, 920) \
+  X(WEARABLE_MAGNET, 921) \
+  X(WEARABLE_MAGNET_WORKTIME, 922) \
+  X(WEARABLE_ACCELEROMETER, 923) \
+  X(WEARABLE_ACCELEROMETER_WORKTIME, 924) \
+  X(CONSTANT_BITRATE, 926) \
+  X(SD_CARD_STATUS, 927) \
+  X(SD_CARD_EVENT_INTERVAL, 928) \
+  X(ONVIF_VIDEO_SOURCE_MODE, 929) \
+  X(ONVIF_SET_SYSTEM_DATE_AND_TIME, 931) \
+  X(DEBUG_CELL_MOTION, 997) \
+  X(ONVIF_DEBUG_LOG, 998) \
+  X(ONVIF_DEBUG_LOG_USE, 999)
+
+
+enum class Slot : int {
+#define ONVIF_SLOT_ENUM(name, index) name = index,
+  ONVIF_SLOTS(ONVIF_SLOT_ENUM)
+#undef ONVIF_SLOT_ENUM
+};
+
+struct SlotName {
+  Slot slot;
+  const char* name;
+};
+
+// Every named slot in index order.
+extern const SlotName kSlotNames[];
+extern const std::size_t kSlotNameCount;
+
+// Name of a slot index, or nullptr when the index has no name.
+const char* slotName(int index);
+// Index of a slot name, or -1 when there is no such name.
+int slotIndex(const char* name);
+
+constexpr int index(Slot s) { return static_cast<int>(s); }
+
+// The completion marker slot and the discovery request slot, which lies one
+// past the last named slot.
+constexpr int kMarkerSlot = 0;
+constexpr int kCompletionMarker = 78;
+constexpr int kDiscoverySlot = 1000;
+
+// Slots the server creates the block with (1000 x 4 bytes).
+constexpr int kServerSlotCount = 1000;
+
+// Event subscriptions: eight records of seventeen slots from slot 85 on.
+constexpr int kEventRecordBase = 85;
+constexpr int kEventRecordCount = 8;
+constexpr int kEventRecordSlots = 17;
+extern const char* const kEventFieldNames[kEventRecordSlots];
+constexpr int eventSlot(int record, int field) {
+  return kEventRecordBase + record * kEventRecordSlots + field;
+}
+
+}  // namespace shm

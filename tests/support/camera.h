@@ -1,0 +1,92 @@
+// A temporary camera for integration tests: a copy of examples/camera under a
+// fresh ONVIFCTRL_ROOT, a real server block, and a runner for the built
+// onvifCtrl and onvif-shm binaries.
+//
+// Every shell "cp" and "rm" the tool runs is recorded (a wrapper on PATH), so a
+// test can check the commands and their order; paths in the record are camera
+// paths (the root is stripped).
+#pragma once
+
+#include <sys/types.h>
+
+#include <initializer_list>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "shm/block.h"
+#include "shm/slots.h"
+
+namespace testkit {
+
+struct RunResult {
+  int status = -1;  // exit status, or -1 when the process did not exit
+  std::string out;
+  std::string err;
+};
+
+class Camera {
+ public:
+  // A copy of the sample camera, with /tmp/onvif/tmp made. No block yet.
+  // The root folder's name starts with `prefix` (which must not hold a single
+  // quote), so a test can give it characters the shell would act on.
+  explicit Camera(const std::string& prefix = "/tmp/onvifctrl-test-");
+  ~Camera();
+  Camera(const Camera&) = delete;
+  Camera& operator=(const Camera&) = delete;
+
+  // Creates the server block (all slots 0) and sets the given slots.
+  void startServer(std::initializer_list<std::pair<shm::Slot, int>> slots = {});
+  void stopServer();
+  int slot(shm::Slot s) const;
+  int slot(int index) const;
+  void setSlot(shm::Slot s, int value);
+  void setSlot(int index, int value);
+
+  // Runs onvifCtrl (or onvif-shm) with the arguments under this root.
+  RunResult run(const std::vector<std::string>& args) const;
+  RunResult runShm(const std::vector<std::string>& args) const;
+
+  // Files by camera path.
+  std::string host(const std::string& cameraPath) const;
+  std::string read(const std::string& cameraPath) const;
+  std::vector<std::string> lines(const std::string& cameraPath) const;
+  void write(const std::string& cameraPath, const std::string& content) const;
+  bool exists(const std::string& cameraPath) const;
+  void remove(const std::string& cameraPath) const;
+
+  // The lines of /tmp/onvif_error (empty when it does not exist).
+  std::vector<std::string> errorLog() const;
+  // The recorded "cp ..." and "rm ..." commands, with camera paths.
+  std::vector<std::string> shellTrace() const;
+  void clearTrace() const;
+
+  const std::string& root() const { return root_; }
+
+ private:
+  RunResult exec(const std::string& binary, const std::vector<std::string>& args) const;
+
+  std::string root_;
+  bool server_ = false;
+};
+
+// Serialises tests that use the segments with fixed keys (5678, 3745), which
+// every test process shares.
+class FixedKeyLock {
+ public:
+  FixedKeyLock();
+  ~FixedKeyLock();
+  FixedKeyLock(const FixedKeyLock&) = delete;
+  FixedKeyLock& operator=(const FixedKeyLock&) = delete;
+
+ private:
+  int fd_;
+};
+
+// Lines of a text (without their newlines).
+std::vector<std::string> splitLines(const std::string& text);
+
+// True when `needle` is one of the lines.
+bool hasLine(const std::vector<std::string>& lines, const std::string& needle);
+
+}  // namespace testkit
