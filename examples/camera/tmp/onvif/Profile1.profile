@@ -1,0 +1,12 @@
+Name=Profile1
+token=Profile1
+fixed=true
+VideoSource=VideoSource1
+VideoEncoder=VideoEncoder1
+AudioSource=AudioSource1
+AudioEncoder=AudioEncoder1
+AudioOutput=AudioOutput1
+AudioDecoder=AudioDecoder1
+VideoAnalytics=VideoAnalytics1
+PTZ=PTZConf1
+MetaData=MetaData1

@@ -1,0 +1,12 @@
+Name=Profile2
+token=Profile2
+fixed=true
+VideoSource=VideoSource1
+VideoEncoder=VideoEncoder2
+AudioSource=AudioSource1
+AudioEncoder=AudioEncoder1
+AudioOutput=AudioOutput1
+AudioDecoder=AudioDecoder1
+VideoAnalytics=VideoAnalytics2
+PTZ=PTZConf1
+MetaData=NONE

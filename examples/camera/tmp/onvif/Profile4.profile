@@ -1,0 +1,12 @@
+Name=Profile4
+token=Profile4
+fixed=true
+VideoSource=VideoSource1
+VideoEncoder=VideoEncoder4
+AudioSource=AudioSource1
+AudioEncoder=AudioEncoder1
+AudioOutput=AudioOutput1
+AudioDecoder=AudioDecoder1
+VideoAnalytics=VideoAnalytics4
+PTZ=PTZConf1
+MetaData=NONE

@@ -1,0 +1,12 @@
+Name=Profile3
+token=Profile3
+fixed=true
+VideoSource=VideoSource1
+VideoEncoder=VideoEncoder3
+AudioSource=AudioSource1
+AudioEncoder=AudioEncoder1
+AudioOutput=AudioOutput1
+AudioDecoder=AudioDecoder1
+VideoAnalytics=VideoAnalytics3
+PTZ=PTZConf1
+MetaData=NONE
