@@ -1,6 +1,8 @@
 #include "conf/lines.h"
 
+#include "conf/field.h"
 #include "conf/paths.h"
+#include "conf/scan.h"
 
 namespace conf {
 
@@ -16,6 +18,16 @@ bool forEachLine(const std::string& cameraPath, const std::function<bool(const c
     if (!fn(r.line())) break;
   std::fclose(f);
   return true;
+}
+
+bool forEachName(const std::string& listPath, const char* marker, const char* pattern,
+                 const std::function<bool(const std::string&)>& fn) {
+  return forEachLine(listPath, [&](const char* line) {
+    if (!holds(line, marker)) return true;
+    Field<64> name;
+    if (scan(line, pattern, name) != 1) return true;
+    return fn(name.str());
+  });
 }
 
 }  // namespace conf

@@ -29,6 +29,13 @@ class LineReader {
 // false. Returns false when the file cannot be opened.
 bool forEachLine(const std::string& cameraPath, const std::function<bool(const char*)>& fn);
 
+// Calls `fn` with the name that each line of a list file holding `marker`
+// ("" for every line) gives through `pattern` ("profile filename=%s\n",
+// "%s\n"; 63 characters at most), until `fn` returns false. Lines whose
+// pattern reads nothing are skipped. Returns false when the list is missing.
+bool forEachName(const std::string& listPath, const char* marker, const char* pattern,
+                 const std::function<bool(const std::string&)>& fn);
+
 // Opens a camera path with fopen's mode.
 std::FILE* openCamera(const std::string& cameraPath, const char* mode);
 
