@@ -99,7 +99,7 @@ Camera::Camera(const std::string& prefix) {
 }
 
 Camera::~Camera() {
-  if (server_) stopServer();
+  stopServer();  // also a block that onvif-shm made
   std::system(("rm -rf '" + root_ + "'").c_str());
 }
 
@@ -120,7 +120,6 @@ void Camera::startServer(std::initializer_list<std::pair<shm::Slot, int>> slots)
   }
   unsetenv("ONVIFCTRL_ROOT");
   if (!created) throw std::runtime_error("cannot create the server block: " + error);
-  server_ = true;
   for (const auto& [s, v] : slots) setSlot(s, v);
 }
 
@@ -128,7 +127,6 @@ void Camera::stopServer() {
   setenv("ONVIFCTRL_ROOT", root_.c_str(), 1);
   shm::removeServerBlock();
   unsetenv("ONVIFCTRL_ROOT");
-  server_ = false;
 }
 
 namespace {

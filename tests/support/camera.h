@@ -67,7 +67,6 @@ class Camera {
   RunResult exec(const std::string& binary, const std::vector<std::string>& args) const;
 
   std::string root_;
-  bool server_ = false;
 };
 
 // Serialises tests that use the segments with fixed keys (5678, 3745), which
