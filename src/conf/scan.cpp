@@ -111,21 +111,17 @@ int scanLine(const char* line, const char* pattern, std::initializer_list<ScanSi
           *s->number = static_cast<int>(in - line);
         break;
       }
-      case 's': {
-        while (isSpace(*in)) ++in;
-        if (*in == '\0') return inputFailure();
-        const char* start = in;
-        while (*in != '\0' && !isSpace(*in) && static_cast<std::size_t>(in - start) < limit) ++in;
-        if (!suppress) {
-          store(target, start, static_cast<std::size_t>(in - start));
-          ++assigned;
-        }
-        converted = true;
-        break;
-      }
+      case 's':
       case '[': {
+        // "%s" is the run of non-space characters after the leading spaces.
         CharSet set;
-        p = parseSet(p, set);
+        if (conv == 's') {
+          while (isSpace(*in)) ++in;
+          set.negated = true;
+          for (int c = 0; c < 256; ++c) set.member[c] = isSpace(static_cast<char>(c));
+        } else {
+          p = parseSet(p, set);
+        }
         if (*in == '\0') return inputFailure();
         const char* start = in;
         while (*in != '\0' && set.contains(*in) && static_cast<std::size_t>(in - start) < limit) ++in;

@@ -20,47 +20,30 @@ TEST(PostParse, RunsPasswordThenDebugThenServerState) {
   EXPECT_EQ(cam.slot(Slot::ONVIF_DEBUG_LOG), 1);
 }
 
-TEST(PostParse, ServerStateRequests) {
+TEST(PostParse, ServerStateAndDebugRequests) {
   struct Case {
-    int before;
+    const char* option;
     const char* request;
+    Slot slot;
+    int before;
     const char* out;
     int after;
   } cases[] = {
-      {1, "0", "Set ONVIF server stop.\n", 0},
-      {0, "0", "Onvif Server is already stop.\n", 0},
-      {7, "0", "Set ONVIF server stop.\n", 0},
-      {1, "1", "Set ONVIF server Start.\n", 1},
-      {0, "1", "Set ONVIF server Start.\n", 1},
-      {4, "3x", "", 4},
+      {"-s", "0", Slot::SERVER_STATE, 1, "Set ONVIF server stop.\n", 0},
+      {"-s", "0", Slot::SERVER_STATE, 0, "Onvif Server is already stop.\n", 0},
+      {"-s", "0", Slot::SERVER_STATE, 7, "Set ONVIF server stop.\n", 0},
+      {"-s", "1", Slot::SERVER_STATE, 1, "Set ONVIF server Start.\n", 1},
+      {"-s", "1", Slot::SERVER_STATE, 0, "Set ONVIF server Start.\n", 1},
+      {"-d", "1", Slot::ONVIF_DEBUG_LOG, 0, "[MAIN]ONVIF DEBUG MODE OPEN!!!\n", 1},
+      {"-d", "2", Slot::ONVIF_DEBUG_LOG, 1, "[MAIN]ONVIF DEBUG MODE CLOSE!!!\n", 0},
+      {"-d", "0", Slot::ONVIF_DEBUG_LOG, 5, "", 5},
   };
   Camera cam;
   cam.startServer();
   for (const Case& c : cases) {
-    cam.setSlot(Slot::SERVER_STATE, c.before);
-    if (c.request[0] == '3') continue;  // factory defaults are tested on their own
-    EXPECT_EQ(cam.run({"-s", c.request}).out, c.out);
-    EXPECT_EQ(cam.slot(Slot::SERVER_STATE), c.after);
-  }
-}
-
-TEST(PostParse, DebugRequests) {
-  struct Case {
-    int before;
-    const char* request;
-    const char* out;
-    int after;
-  } cases[] = {
-      {0, "1", "[MAIN]ONVIF DEBUG MODE OPEN!!!\n", 1},
-      {1, "2", "[MAIN]ONVIF DEBUG MODE CLOSE!!!\n", 0},
-      {5, "0", "", 5},
-  };
-  Camera cam;
-  cam.startServer();
-  for (const Case& c : cases) {
-    cam.setSlot(Slot::ONVIF_DEBUG_LOG, c.before);
-    EXPECT_EQ(cam.run({"-d", c.request}).out, c.out);
-    EXPECT_EQ(cam.slot(Slot::ONVIF_DEBUG_LOG), c.after);
+    cam.setSlot(c.slot, c.before);
+    EXPECT_EQ(cam.run({c.option, c.request}).out, c.out) << c.option << c.request;
+    EXPECT_EQ(cam.slot(c.slot), c.after) << c.option << c.request;
   }
 }
 
