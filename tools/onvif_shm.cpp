@@ -3,7 +3,9 @@
 // It creates the server block as the server does, sets and reads slots by
 // name or index, dumps and removes it, and creates the other segments the
 // tool reads (the key-5678 time-zone segment, the key-3745 streaming server
-// segment). Camera paths honour ONVIFCTRL_ROOT, as onvifCtrl's do.
+// segment, and the video-analytics, recording and wearable hub segments keyed
+// by their camera paths). Camera paths honour ONVIFCTRL_ROOT, as onvifCtrl's
+// do.
 
 #include <cerrno>
 #include <cstdint>
@@ -34,6 +36,12 @@ int usage() {
                "  stream-create              create the key-3745 streaming server segment (12 bytes)\n"
                "  stream-dump                print its 12 bytes\n"
                "  stream-remove              remove it\n"
+               "  seg-create NAME            create an auxiliary segment (zero-filled); NAME is\n"
+               "                             va (video analytics, 480 bytes), record (recording,\n"
+               "                             50 bytes) or wearable (wearable hub, 1088 bytes)\n"
+               "  seg-set NAME INDEX VALUE   set a 32-bit slot (va, wearable) or a byte (record,\n"
+               "                             stream) of a segment\n"
+               "  seg-remove NAME            remove an auxiliary segment\n"
                "Camera paths are resolved under ONVIFCTRL_ROOT when it is set.\n");
   return 2;
 }
@@ -101,6 +109,56 @@ shm::Segment attachFixed(key_t key, std::size_t size) {
   return shm::findSegment(key, size, nullptr);
 }
 
+// The segments seg-* works on; `path` nullptr means the fixed key 3745.
+struct AuxSegment {
+  const char* name;
+  const char* path;
+  std::size_t size;
+  std::size_t unit;  // what seg-set's INDEX counts: 4 (slots) or 1 (bytes)
+};
+
+const AuxSegment kAuxSegments[] = {
+    {"va", shm::kVideoAnalyticsShmPath, shm::kVideoAnalyticsShmSize, 4},
+    {"record", shm::kRecordingShmPath, shm::kRecordingShmSize, 1},
+    {"wearable", shm::kWearableHubShmPath, shm::kWearableHubShmSize, 4},
+    {"stream", nullptr, shm::kStreamServerSize, 1},
+};
+
+const AuxSegment* auxSegment(const std::string& name) {
+  for (const AuxSegment& a : kAuxSegments)
+    if (name == a.name) return &a;
+  return nullptr;
+}
+
+int auxCommand(const std::string& cmd, const std::vector<std::string>& args) {
+  if (args.empty()) return usage();
+  const AuxSegment* a = auxSegment(args[0]);
+  if (a == nullptr) return fail("unknown segment '" + args[0] + "'");
+  if (cmd == "seg-create") {
+    if (a->path == nullptr) return fail("use stream-create for the streaming server segment");
+    std::string error;
+    return shm::createCameraSegment(a->path, a->size, &error) ? 0 : fail(error);
+  }
+  if (cmd == "seg-remove") {
+    if (a->path == nullptr) return fail("use stream-remove for the streaming server segment");
+    return shm::removeCameraSegment(a->path) ? 0 : fail("no " + args[0] + " segment");
+  }
+  if (args.size() != 3) return usage();
+  std::int32_t index = 0;
+  std::int32_t value = 0;
+  if (!parseValue(args[1], index) || index < 0 || static_cast<std::size_t>(index) >= a->size / a->unit)
+    return fail("bad index '" + args[1] + "'");
+  if (!parseValue(args[2], value)) return fail("bad value '" + args[2] + "'");
+  shm::Segment seg = a->path != nullptr ? shm::findCameraSegment(a->path, a->size, nullptr)
+                                        : attachFixed(shm::kStreamServerKey, a->size);
+  if (!seg) return fail("no " + args[0] + " segment");
+  if (a->unit == 1)
+    seg.bytes[index] = static_cast<std::uint8_t>(value);
+  else
+    std::memcpy(seg.bytes + static_cast<std::size_t>(index) * a->unit, &value, sizeof value);
+  return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -164,6 +222,8 @@ int main(int argc, char** argv) {
   }
   if (cmd == "stream-remove")
     return shm::removeSegment(shm::kStreamServerKey) ? 0 : fail("no streaming server segment");
+
+  if (cmd == "seg-create" || cmd == "seg-set" || cmd == "seg-remove") return auxCommand(cmd, args);
 
   return usage();
 }

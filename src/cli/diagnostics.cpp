@@ -6,6 +6,7 @@
 #include <ctime>
 #include <string>
 
+#include "recording/recording.h"
 #include "shm/segments.h"
 
 namespace cli {
@@ -89,11 +90,29 @@ void setDebugSwitch(int value, shm::ShmBlock& block) {
 }
 
 void recordingControl(int value) {
-  if (value == 0) {
-    std::printf("---r1: start O1 recording.\n");
-    std::printf("---r2: stop O1 recording.\n");
-    std::printf("---r3: GetRecordingSummary.\n");
-    std::printf("---r4: Read DB file.\n");
+  switch (value) {
+    case 0:
+      std::printf("---r1: start O1 recording.\n");
+      std::printf("---r2: stop O1 recording.\n");
+      std::printf("---r3: GetRecordingSummary.\n");
+      std::printf("---r4: Read DB file.\n");
+      break;
+    case 1:
+      std::printf("Profile G Start Recording.\n");
+      rec::requestRecording(true);
+      break;
+    case 2:
+      std::printf("Profile G Stop Recording.\n");
+      rec::requestRecording(false);
+      break;
+    case 3:
+      std::printf("Profile G GetRecordingSummary\n");
+      rec::GetRecordingSummary();
+      break;
+    case 4:
+      std::printf("Read DB file.\n");
+      rec::readDbFile();
+      break;
   }
 }
 

@@ -14,7 +14,8 @@ void printTime();
 // -t 1..4: recording name mode and cell-motion debugging switches.
 void setDebugSwitch(int value, shm::ShmBlock& block);
 
-// -r N: recording control; -r 0 prints the help lines.
+// -r N: recording control: 0 the help lines, 1 and 2 start and stop the first
+// recording, 3 the recording summary, 4 the database read.
 void recordingControl(int value);
 
 }  // namespace cli

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "cli/segment_dumps.h"
 #include "shm/features.h"
 #include "shm/slots.h"
 #include "sync/network/auth.h"
@@ -105,6 +106,7 @@ void serverStateRequest(int request, shm::ShmBlock& block, int& savedState) {
       dumpImageQuality(block);
       break;
     default:
+      dumpAuxSegment(request);
       break;
   }
 }

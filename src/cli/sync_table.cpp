@@ -6,7 +6,9 @@
 #include <ctime>
 
 #include "conf/lines.h"
+#include "recording/selftest.h"
 #include "sync/network/auth.h"
+#include "sync/osd/osd.h"
 
 namespace cli {
 
@@ -52,18 +54,21 @@ int sendDiscovery(SyncArgs& a) {
 int packbitDecode(SyncArgs& a) {
   std::printf("=== Packbit Decode ===\n");
   a.block.set(Slot::ONVIF_CTRL, 99);
+  rec::packbitDecodeSelfTest();
   return 0;
 }
 
 int packbitEncode(SyncArgs& a) {
   std::printf("=== Packbit Encode ===\n");
   a.block.set(Slot::ONVIF_CTRL, 100);
+  rec::packbitEncodeSelfTest();
   return 0;
 }
 
 int hexToBinary(SyncArgs& a) {
   std::printf("=== Hex to Binary ===\n");
   a.block.set(Slot::ONVIF_CTRL, 101);
+  rec::hexToBinarySelfTest();
   return 0;
 }
 
@@ -83,7 +88,7 @@ const SyncCommand kCommands[] = {
     {13, Frame::Standard, "WEB Update_AvailableResolutionTable", nullptr},
     {14, Frame::Standard, "WEB Update_PresetTour", nullptr},
     {15, Frame::Standard, "WEB Update_H264Profile", nullptr},
-    {16, Frame::Standard, "WEB Update_OSD", nullptr},
+    {16, Frame::Standard, "WEB Update_OSD", [](SyncArgs& a) { return onvif::Update_OSD(a.block); }},
     {17, Frame::NoWaitNoLog, nullptr, sendPtzControl},
     {18, Frame::Standard, "WEB Update_Recording", nullptr},
     {19, Frame::Standard, "WEB Update_EncodingPriority", nullptr},

@@ -31,6 +31,15 @@ key_t cameraKey(const std::string& cameraPath, int projectId) {
   return ftok(conf::hostPath(cameraPath).c_str(), projectId);
 }
 
+Segment findCameraSegment(const std::string& cameraPath, std::size_t size, LookupError* error) {
+  key_t key = cameraKey(cameraPath, 0);
+  if (key == -1) {
+    if (error) *error = LookupError::Key;
+    return Segment{};
+  }
+  return findSegment(key, size, error);
+}
+
 bool createSegment(key_t key, std::size_t size) {
   return shmget(key, size, IPC_CREAT | IPC_EXCL | 0666) != -1;
 }
@@ -63,7 +72,11 @@ bool makeParents(const std::string& path) {
 }  // namespace
 
 bool createServerBlock(std::string* error) {
-  std::string path = conf::hostPath(kServerShmPath);
+  return createCameraSegment(kServerShmPath, kServerSlotCount * sizeof(std::int32_t), error);
+}
+
+bool createCameraSegment(const std::string& cameraPath, std::size_t size, std::string* error) {
+  std::string path = conf::hostPath(cameraPath);
   if (!makeParents(path)) {
     if (error) *error = "cannot create the folder of " + path + ": " + std::strerror(errno);
     return false;
@@ -74,12 +87,17 @@ bool createServerBlock(std::string* error) {
     if (error) *error = "cannot create " + path + ": " + std::strerror(errno);
     return false;
   }
-  key_t key = cameraKey(kServerShmPath, 0);
-  if (key == -1 || !createSegment(key, kServerSlotCount * sizeof(std::int32_t))) {
-    if (error) *error = std::string("cannot create the block: ") + std::strerror(errno);
+  key_t key = cameraKey(cameraPath, 0);
+  if (key == -1 || !createSegment(key, size)) {
+    if (error) *error = "cannot create the segment of " + cameraPath + ": " + std::strerror(errno);
     return false;
   }
   return true;
+}
+
+bool removeCameraSegment(const std::string& cameraPath) {
+  key_t key = cameraKey(cameraPath, 0);
+  return key != -1 && removeSegment(key);
 }
 
 std::optional<ShmBlock> attachServerBlock() {

@@ -15,9 +15,30 @@ inline constexpr key_t kTimeZoneKey = 5678;
 inline constexpr std::size_t kTimeZoneSize = 222;
 inline constexpr std::size_t kTimeZoneTextOffset = 45;
 
-// Streaming server segment: recording flags of the two streams.
+// Streaming server segment: recording flags of the two streams, and the
+// start/stop request of the first recording (1 start, 2 stop; the streaming
+// server clears it to 0 when it has acted).
 inline constexpr key_t kStreamServerKey = 3745;
 inline constexpr std::size_t kStreamServerSize = 12;
+inline constexpr std::size_t kStreamRecording1Byte = 0;
+inline constexpr std::size_t kStreamRecordRequestByte = 1;
+inline constexpr std::size_t kStreamRecording2Byte = 3;
+inline constexpr std::uint8_t kRecordStart = 1;
+inline constexpr std::uint8_t kRecordStop = 2;
+
+// The server's auxiliary segments, keyed by ftok of a camera path with project
+// id 0. Their layouts belong to the server; the tool only dumps them.
+inline constexpr const char* kVideoAnalyticsShmPath = "/tmp/ONVIF_VA_SHM/onvif";
+inline constexpr std::size_t kVideoAnalyticsShmSize = 480;
+inline constexpr const char* kRecordingShmPath = "/tmp/ONVIF_SHM/onvifrecord";
+inline constexpr std::size_t kRecordingShmSize = 50;
+// Wearable hub: a header of 16 slots, then 8 entries of 32 slots (32-bit).
+inline constexpr const char* kWearableHubShmPath = "/tmp/ONVIF_SHM/onvifwearable";
+inline constexpr std::size_t kWearableHeaderSlots = 16;
+inline constexpr std::size_t kWearableEntries = 8;
+inline constexpr std::size_t kWearableEntrySlots = 32;
+inline constexpr std::size_t kWearableHubShmSize =
+    (kWearableHeaderSlots + kWearableEntries * kWearableEntrySlots) * sizeof(std::int32_t);
 
 // An attached segment; bytes beyond `size` are never touched.
 struct Segment {
@@ -26,7 +47,7 @@ struct Segment {
   explicit operator bool() const { return bytes != nullptr; }
 };
 
-enum class LookupError { None, Get, Attach };
+enum class LookupError { None, Key, Get, Attach };
 
 // Looks a segment up with permissions 0666 (never creating it) and attaches
 // it. On failure `error` says which step failed and errno is left as it was.
@@ -34,6 +55,10 @@ Segment findSegment(key_t key, std::size_t size, LookupError* error);
 
 // The ftok key of a camera path (resolved under ONVIFCTRL_ROOT), or -1.
 key_t cameraKey(const std::string& cameraPath, int projectId);
+
+// findSegment for the key of a camera path (project id 0); a path without a
+// key fails with LookupError::Key.
+Segment findCameraSegment(const std::string& cameraPath, std::size_t size, LookupError* error);
 
 // Host-side helpers (the server's part): create a segment with 0666, failing
 // when it exists already; remove one; both return false on failure.
@@ -52,6 +77,9 @@ namespace shm {
 // (under ONVIFCTRL_ROOT) when missing and the 4000-byte segment of its key.
 // Fails when the segment exists already.
 bool createServerBlock(std::string* error);
+// The same for any segment keyed by a camera path (project id 0), zero-filled.
+bool createCameraSegment(const std::string& cameraPath, std::size_t size, std::string* error);
+bool removeCameraSegment(const std::string& cameraPath);
 // Attaches an existing server block without printing anything.
 std::optional<ShmBlock> attachServerBlock();
 bool removeServerBlock();
