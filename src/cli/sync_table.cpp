@@ -8,7 +8,7 @@
 #include "conf/lines.h"
 #include "recording/selftest.h"
 #include "sync/network/auth.h"
-#include "sync/osd/osd.h"
+#include "sync/ptz/osd.h"
 
 namespace cli {
 

@@ -5,7 +5,7 @@
 
 #include "recording/packbits.h"
 #include "recording/selftest.h"
-#include "sync/osd/osd.h"
+#include "sync/ptz/osd.h"
 
 using rec::Bytes;
 

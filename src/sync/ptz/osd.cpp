@@ -1,4 +1,4 @@
-#include "sync/osd/osd.h"
+#include "sync/ptz/osd.h"
 
 #include <algorithm>
 #include <cstdio>
