@@ -6,6 +6,7 @@
 #include <ctime>
 
 #include "conf/lines.h"
+#include "sync/audio/audio.h"
 #include "sync/network/auth.h"
 
 namespace cli {
@@ -71,7 +72,8 @@ const SyncCommand kCommands[] = {
     {1, Frame::Standard, "WEB Update_Network", nullptr},
     {2, Frame::Standard, "WEB Update_Imapge_Appearance", nullptr},
     {3, Frame::Standard, "WEB Update_Imapge_Source", nullptr},
-    {4, Frame::Standard, "WEB Update_Audio_Source", nullptr},
+    {4, Frame::Standard, "WEB Update_Audio_Source",
+     [](SyncArgs& a) { return onvif::Update_Audio_Source(a.multiStream, a.block); }},
     {5, Frame::Standard, "WEB Update_framerate", nullptr},
     {6, Frame::Standard, "WEB Update_frameskip", nullptr},
     {7, Frame::Standard, "WEB Update_Flip_Vision", nullptr},
