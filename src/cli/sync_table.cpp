@@ -7,6 +7,7 @@
 
 #include "conf/lines.h"
 #include "sync/audio/audio.h"
+#include "sync/audio/multicast.h"
 #include "sync/network/auth.h"
 
 namespace cli {
@@ -78,7 +79,7 @@ const SyncCommand kCommands[] = {
     {6, Frame::Standard, "WEB Update_frameskip", nullptr},
     {7, Frame::Standard, "WEB Update_Flip_Vision", nullptr},
     {8, Frame::Standard, "WEB Update_Hostname_To_Scopes", nullptr},
-    {9, Frame::Standard, "WEB Update_Multicast", nullptr},
+    {9, Frame::Standard, "WEB Update_Multicast", [](SyncArgs& a) { return onvif::Update_Multicast(a.block); }},
     {10, Frame::Standard, "WEB Update_PTZ_Image_Flip", nullptr},
     {11, Frame::Standard, "WEB Update_RS485Control", nullptr},
     {12, Frame::Standard, "WEB Update_AlarmOutput_High_Low", nullptr},
