@@ -9,6 +9,7 @@
 #include "sync/audio/audio.h"
 #include "sync/audio/multicast.h"
 #include "sync/network/auth.h"
+#include "sync/ptz/presets.h"
 
 namespace cli {
 
@@ -84,7 +85,7 @@ const SyncCommand kCommands[] = {
     {11, Frame::Standard, "WEB Update_RS485Control", nullptr},
     {12, Frame::Standard, "WEB Update_AlarmOutput_High_Low", nullptr},
     {13, Frame::Standard, "WEB Update_AvailableResolutionTable", nullptr},
-    {14, Frame::Standard, "WEB Update_PresetTour", nullptr},
+    {14, Frame::Standard, "WEB Update_PresetTour", [](SyncArgs& a) { return onvif::Update_PresetTour(a.block); }},
     {15, Frame::Standard, "WEB Update_H264Profile", nullptr},
     {16, Frame::Standard, "WEB Update_OSD", nullptr},
     {17, Frame::NoWaitNoLog, nullptr, sendPtzControl},
