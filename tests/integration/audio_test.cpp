@@ -61,54 +61,48 @@ TEST(Audio, BitRateTableOnBothPaths) {
   }
 }
 
-TEST(Audio, BackChannelArgumentsPerLayout) {
+TEST(Audio, CurrentPathProfilesBackChannelAndCounts) {
   struct Case {
-    int layout;
-    const char *duplex, *on;  // on: jpeg, h264_1 to h264_4; nullptr: no command
-  } cases[] = {{0, "full", "10000"}, {1, "full", "01000"}, {2, "full", "01100"},    {3, "full", "11000"},
-               {5, "full", "01110"}, {6, "full", "11100"}, {7, "half", "01111"},    {8, "full", "11110"},
-               {4, "full", nullptr}, {9, "full", nullptr}, {8, "disable", "00000"}, {4, "disable", "00000"}};
-  Camera cam("/tmp/onvifctrl audio $HOME-");  // the program's path needs quoting
+    int layout, brand, region;
+    const char *duplex, *storage;  // storage nullptr: no key
+    const char* on;                // back channels of jpeg, h264_1 to h264_4; nullptr: no command
+    const char* profile;           // the profile's audio values afterwards
+    int uses, record;
+  } cases[] = {
+      {0, 0, 0, "full", "enable", "10000", "x x AudioOutput1 AudioDecoder1", 2, 1},
+      {1, 34, 0, "full", nullptr, "01000", "AudioSource1 AudioEncoder1 AudioOutput1 AudioDecoder1", 2, 1},
+      {2, 44, 6, "full", "x", "01100", "x x AudioOutput1 AudioDecoder1", 2, 1},
+      {3, 0, 0, "full", "x", "11000", "x x AudioOutput1 AudioDecoder1", 2, 1},
+      {5, 0, 0, "full", "x", "01110", "x x AudioOutput1 AudioDecoder1", 2, 1},
+      {6, 0, 0, "full", "x", "11100", "x x AudioOutput1 AudioDecoder1", 2, 1},
+      {7, 0, 0, "half", "x", "01111", "x x AudioOutput1 AudioDecoder1", 2, 1},
+      {8, 0, 0, "full", "x", "11110", "x x AudioOutput1 AudioDecoder1", 2, 1},
+      {4, 0, 0, "full", "x", nullptr, "x x AudioOutput1 AudioDecoder1", 2, 1},
+      {9, 0, 0, "full", "x", nullptr, "x x AudioOutput1 AudioDecoder1", 2, 1},
+      {8, 44, 7, "disable", "disabled", "00000", "NONE NONE NONE NONE", 0, 0},
+      {4, 44, 6, "disable", "disable", "00000", "x x NONE NONE", 0, 0},
+  };
+  Camera cam("/tmp/onvifctrl audio $HOME-");  // the control program's path needs quoting
   cam.startServer({{Slot::ONVIF_DEVICE, 6}});
   recordStreamctl(cam);
   const char* names[] = {"[jpeg][jpeg", "[h264][h264_1", "[h264][h264_2", "[h264][h264_3", "[h264][h264_4"};
   for (const Case& c : cases) {
-    cam.setSlot(Slot::ONVIF_MULTIPLE_STREAM, c.layout);
-    cam.write("/etc/sysconfig/audio.conf", std::string("root.Audio.DuplexMode=") + c.duplex + "\n");
-    cam.remove(kCtlLog);
-    cam.run({"-u", "4"});
-    std::string line;
-    for (int i = 0; c.on && i < 5; ++i)
-      line += names[i] + std::string("_backchannel=") + (c.on[i] == '1' ? "on]" : "off]");
-    EXPECT_EQ(cam.lines(kCtlLog), c.on ? Lines(4, line) : Lines()) << c.layout << c.duplex;  // once per profile
-  }
-}
-
-TEST(Audio, ProfilesUseCountsAndRecording) {
-  struct Case {
-    int brand, region;
-    const char *duplex, *storage, *profile;  // storage nullptr: no key; profile: its lines afterwards
-    int uses, record;
-  } cases[] = {
-      {0, 0, "full", "enable", "x x AudioOutput1 AudioDecoder1", 2, 1},
-      {34, 0, "full", nullptr, "AudioSource1 AudioEncoder1 AudioOutput1 AudioDecoder1", 2, 1},
-      {44, 7, "disable", "disabled", "NONE NONE NONE NONE", 0, 0},
-      {44, 6, "disable", "disable", "x x NONE NONE", 0, 0},
-  };
-  Camera cam;
-  cam.startServer({{Slot::ONVIF_DEVICE, 6}});
-  for (const Case& c : cases) {
-    cam.setSlot(Slot::ONVIF_BRAND, c.brand);
-    cam.setSlot(Slot::BRAND_REGION, c.region);
+    for (auto [s, v] : {std::pair{Slot::ONVIF_MULTIPLE_STREAM, c.layout},
+                        {Slot::ONVIF_BRAND, c.brand},
+                        {Slot::BRAND_REGION, c.region}})
+      cam.setSlot(s, v);
     cam.write("/etc/sysconfig/audio.conf",
               std::string("root.Audio.DuplexMode=") + c.duplex + "\n" +
                   (c.storage ? std::string("root.Audio.StorageRecording=") + c.storage : ""));
     cam.write(L + "Profiles.conf", "profile filename=P1\nprofile filename=Gone\nprofile filename=P2\n");
     for (const char* p : {"P1", "P2"})
       cam.write(L + p, "AudioSource=x\nAudioEncoder=x\nAudioOutput=x\nAudioDecoder=x\n");
-    cam.remove("/tmp/onvif_error");
+    for (const std::string& f : {kCtlLog, std::string("/tmp/onvif_error")}) cam.remove(f);
     cam.run({"-u", "4"});
-    std::string values;
+    std::string line, values;
+    for (int i = 0; c.on && i < 5; ++i)
+      line += names[i] + std::string("_backchannel=") + (c.on[i] == '1' ? "on]" : "off]");
+    EXPECT_EQ(cam.lines(kCtlLog), c.on ? Lines(2, line) : Lines()) << c.layout << c.duplex;  // once per profile
     for (const std::string& l : cam.lines(L + "P2")) values += (values.empty() ? "" : " ") + l.substr(l.find('=') + 1);
     EXPECT_EQ(values, c.profile) << c.brand;
     EXPECT_TRUE(testkit::hasLine(cam.lines(P + "AudioOutput1.conf"), "UseCount=" + std::to_string(c.uses)));

@@ -36,9 +36,7 @@ TEST(Multicast, PlatformsBranchesAndVariants) {
     const char *path = nullptr, *content = nullptr;  // a file changed before the run (content nullptr: removed)
   } cases[] = {
       {6, 0, 8, "0000", "ha1 hp1 t|ha2 hp2 t|ha3 hp3 t|ma mp t|aa ap t|-|-|-", 1},
-      {6, 0, 0, "0000", "ma mp t|-|-|-|aa ap t|-|-|-", 1},
       {6, 0, 5, "0000", "ha1 hp1 t|ha2 hp2 t|ha3 hp3 t|-|aa ap t|-|-|-", 1},
-      {6, 0, 7, "0000", "ha1 hp1 t|ha2 hp2 t|ha3 hp3 t|ha4 hp4 t|aa ap t|-|-|-", 1},
       {6, 0, 4, "0000", "-|-|-|-|aa ap t|-|-|-", 1, "Update_Multicast ONVIF_MULTIPLE_STREAM ERROR!"},
       // Brand 28: the fourth TTL key is never found, so that TTL is written empty.
       {6, 28, 7, "0000", "ha1 hp1 t|ha2 hp2 t|ha3 hp3 t|ha4 hp4 t|aa hap1 ht1|aa hap2 ht2|aa hap3 ht3|aa hap4 ", 1},
