@@ -200,20 +200,15 @@ void layoutBranch(shm::ShmBlock& block, const Rtp& r) {
 void codecBranch(const Rtp& r) {
   for (int k = 0; k < 2; ++k) {
     Field<64> codec;
-    std::vector<Rule> rules = multicast(r.videoAddress,
-                                        conf::rule("MultiPort=",
-                                                   [&r, &codec, k](const char*) {
-                                                     if (codec.is("H264"))
-                                                       return Out::write("MultiPort=" + r.h264Port[k].str() + "\n");
-                                                     if (codec.is("JPEG"))
-                                                       return Out::write("MultiPort=" + r.mjpegPort.str() + "\n");
-                                                     return Out::keep();
-                                                   }),
-                                        r.ttl);
-    rules.insert(rules.begin(), conf::rule("Encoding=", [&codec](const char* line) {
-                   conf::scan(line, "Encoding=%s\n", codec);
-                   return Out::keep();
-                 }));
+    auto port = [&r, &codec, k](const char*) {
+      const Value* p = codec.is("H264") ? &r.h264Port[k] : codec.is("JPEG") ? &r.mjpegPort : nullptr;
+      return p != nullptr ? Out::write("MultiPort=" + p->str() + "\n") : Out::keep();
+    };
+    std::vector<Rule> rules = {conf::rule("Encoding=", [&codec](const char* line) {
+      conf::scan(line, "Encoding=%s\n", codec);
+      return Out::keep();
+    })};
+    for (Rule& line : multicast(r.videoAddress, conf::rule("MultiPort=", port), r.ttl)) rules.push_back(std::move(line));
     rewriteRecord(videoRecord(k + 1), kMissing, rules);
   }
   // The audio encoder takes the video address, not the audio address.
