@@ -7,6 +7,7 @@
 #include "cli/diagnostics.h"
 #include "cli/sync_table.h"
 #include "conf/defaults.h"
+#include "sync/ptz/presets.h"
 
 namespace cli {
 
@@ -70,7 +71,10 @@ void act(int option, int v, shm::ShmBlock* block, Requests& req) {
       recordingControl(v);
       break;
     case 'p':
+      if (block != nullptr) onvif::Update_SetPreset(*block, v);
+      break;
     case 'q':
+      if (block != nullptr) onvif::Update_DeletePreset(*block, v);
       break;
     case 'i':
       req.info = v;

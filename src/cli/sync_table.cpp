@@ -7,8 +7,11 @@
 
 #include "conf/lines.h"
 #include "recording/selftest.h"
+#include "sync/audio/audio.h"
+#include "sync/audio/multicast.h"
 #include "sync/network/auth.h"
 #include "sync/ptz/osd.h"
+#include "sync/ptz/presets.h"
 
 namespace cli {
 
@@ -76,17 +79,18 @@ const SyncCommand kCommands[] = {
     {1, Frame::Standard, "WEB Update_Network", nullptr},
     {2, Frame::Standard, "WEB Update_Imapge_Appearance", nullptr},
     {3, Frame::Standard, "WEB Update_Imapge_Source", nullptr},
-    {4, Frame::Standard, "WEB Update_Audio_Source", nullptr},
+    {4, Frame::Standard, "WEB Update_Audio_Source",
+     [](SyncArgs& a) { return onvif::Update_Audio_Source(a.multiStream, a.block); }},
     {5, Frame::Standard, "WEB Update_framerate", nullptr},
     {6, Frame::Standard, "WEB Update_frameskip", nullptr},
     {7, Frame::Standard, "WEB Update_Flip_Vision", nullptr},
     {8, Frame::Standard, "WEB Update_Hostname_To_Scopes", nullptr},
-    {9, Frame::Standard, "WEB Update_Multicast", nullptr},
+    {9, Frame::Standard, "WEB Update_Multicast", [](SyncArgs& a) { return onvif::Update_Multicast(a.block); }},
     {10, Frame::Standard, "WEB Update_PTZ_Image_Flip", nullptr},
     {11, Frame::Standard, "WEB Update_RS485Control", nullptr},
     {12, Frame::Standard, "WEB Update_AlarmOutput_High_Low", nullptr},
     {13, Frame::Standard, "WEB Update_AvailableResolutionTable", nullptr},
-    {14, Frame::Standard, "WEB Update_PresetTour", nullptr},
+    {14, Frame::Standard, "WEB Update_PresetTour", [](SyncArgs& a) { return onvif::Update_PresetTour(a.block); }},
     {15, Frame::Standard, "WEB Update_H264Profile", nullptr},
     {16, Frame::Standard, "WEB Update_OSD", [](SyncArgs& a) { return onvif::Update_OSD(a.block); }},
     {17, Frame::NoWaitNoLog, nullptr, sendPtzControl},

@@ -8,6 +8,7 @@
 
 #include "conf/error_log.h"
 #include "conf/lines.h"
+#include "conf/paths.h"
 #include "conf/self_format.h"
 #include "conf/shell.h"
 
@@ -32,6 +33,16 @@ Rule dropLine(const std::string& key) {
 
 Rule rule(const std::string& key, std::function<Out(const char* line)> apply) {
   return Rule{key, std::move(apply)};
+}
+
+RewriteJob inPlace(const std::string& routine, const std::string& path, const std::string& missing) {
+  RewriteJob job;
+  job.routine = routine;
+  job.source = path;
+  job.temp = wsTemp(routine);
+  job.targets = {path};
+  job.missing = missing;
+  return job;
 }
 
 namespace {

@@ -58,6 +58,11 @@ struct RewriteJob {
   bool tempFirst = true;  // create the temporary file before testing the source
 };
 
+// The usual job: rewrite `path` through "/tmp/onvif/tmp/WS_<routine>" and copy
+// it back onto `path` alone; `missing` is the error-log shape for a missing
+// `path` ("" logs nothing).
+RewriteJob inPlace(const std::string& routine, const std::string& path, const std::string& missing);
+
 enum class Status { Done, SourceMissing, WriteFailed };
 
 struct Result {
