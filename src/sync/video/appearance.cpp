@@ -215,8 +215,8 @@ std::vector<conf::Rule> multiStreamRules(const Appearance& a, const int width[5]
   };
   Stream s = streamOn(code, k);
   StreamValues v;
-  if (s.codec == Codec::Jpeg) v = jpegValues(s.n == 1 ? width[kJ] : 0, s.n == 1 ? height[kJ] : 0,
-                                             s.n == 1 ? a.mjpegQ : a.mjpeg2Q);
+  if (s.codec == Codec::Jpeg && s.n == 1) v = jpegValues(width[kJ], height[kJ], a.mjpegQ);
+  if (s.codec == Codec::Jpeg && s.n > 1) v = jpegValues(0, 0, a.mjpeg2Q);  // no size field for it
   if (s.codec == Codec::H264) {
     v = videoValues(width[s.n], height[s.n], a.bitrate[s.n - 1], a.gov[s.n - 1]);
     v.profile = MapH264ProfileName(a.profile[s.n - 1].c_str());
