@@ -37,11 +37,11 @@ TEST(VideoImaging, ScalesModesAndSlotsPerDeviceType) {
        3, 3},
       {2, 3, 0, 0,
        "WhiteBalance=manual25 WhiteBalance.Rgain=255 Backlight=off Brightness=63 Sharpness=8 Contrast=128 "
-       "ColorLevel=255 Wdr=on ICR=on Exposure=auto Exposure.ManualPreset.AGCGain=0",
+       "ColorLevel=255 Wdr=on ICR=off Exposure=auto Exposure.ManualPreset.AGCGain=0",
        "root.IR.Mode=auto\n",
        "BacklightCompensation.Mode=OFF Brightness=100.0 ColorSaturation=100.0 Contrast=50.2 Sharpness=3.1 "
        "WideDynamicRange.Mode=ON WideDynamicRange.Level=1.0 WhiteBalance.Mode=MANUAL WhiteBalance.CrGain=50.0 "
-       "IrCutFilter=OFF Exposure.Mode=AUTO PreviousAE.Mode=auto Exposure.Gain=0.0",
+       "IrCutFilter=ON Exposure.Mode=AUTO PreviousAE.Mode=auto Exposure.Gain=0.0",
        2, 3},
       {4, 3, 42, 0,
        "WhiteBalance=ATW Backlight=dim Brightness=10 Sharpness=8 Contrast=10 ColorLevel=10 Wdr=3 ICR=smart "
