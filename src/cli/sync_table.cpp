@@ -12,6 +12,11 @@
 #include "sync/network/auth.h"
 #include "sync/ptz/osd.h"
 #include "sync/ptz/presets.h"
+#include "sync/video/appearance.h"
+#include "sync/video/framerate.h"
+#include "sync/video/imaging.h"
+#include "sync/video/limits.h"
+#include "sync/video/orientation.h"
 
 namespace cli {
 
@@ -77,25 +82,42 @@ int hexToBinary(SyncArgs& a) {
 
 const SyncCommand kCommands[] = {
     {1, Frame::Standard, "WEB Update_Network", nullptr},
-    {2, Frame::Standard, "WEB Update_Imapge_Appearance", nullptr},
-    {3, Frame::Standard, "WEB Update_Imapge_Source", nullptr},
+    {2, Frame::Standard, "WEB Update_Imapge_Appearance",
+     [](SyncArgs& a) {
+       return onvif::Update_Imapge_Appearance(a.multiStream, a.block.get(Slot::ONVIF_VIDEO_TYPE),
+                                              a.block.get(Slot::ONVIF_DEVICE), a.block);
+     }},
+    {3, Frame::Standard, "WEB Update_Imapge_Source",
+     [](SyncArgs& a) {
+       return onvif::Update_Imapge_Source(a.multiStream, a.block.get(Slot::ONVIF_DEVICE),
+                                          a.block.get(Slot::ONVIF_IO_TYPE), a.block);
+     }},
     {4, Frame::Standard, "WEB Update_Audio_Source",
      [](SyncArgs& a) { return onvif::Update_Audio_Source(a.multiStream, a.block); }},
-    {5, Frame::Standard, "WEB Update_framerate", nullptr},
-    {6, Frame::Standard, "WEB Update_frameskip", nullptr},
-    {7, Frame::Standard, "WEB Update_Flip_Vision", nullptr},
+    {5, Frame::Standard, "WEB Update_framerate",
+     [](SyncArgs& a) { return onvif::Update_framerate(a.multiStream, a.block.get(Slot::ONVIF_DEVICE), a.block); }},
+    {6, Frame::Standard, "WEB Update_frameskip",
+     [](SyncArgs& a) {
+       return onvif::Update_frameskip(a.multiStream, a.block.get(Slot::ONVIF_DEVICE),
+                                      a.block.get(Slot::ONVIF_VIDEO_TYPE), a.block.get(Slot::CHANGE_HEIGHT),
+                                      a.block.get(Slot::CHANGE_WIDTH), a.block.get(Slot::ONVIF_CODEC));
+     }},
+    {7, Frame::Standard, "WEB Update_Flip_Vision", [](SyncArgs& a) { return onvif::Update_Flip_Vision(a.block); }},
     {8, Frame::Standard, "WEB Update_Hostname_To_Scopes", nullptr},
     {9, Frame::Standard, "WEB Update_Multicast", [](SyncArgs& a) { return onvif::Update_Multicast(a.block); }},
-    {10, Frame::Standard, "WEB Update_PTZ_Image_Flip", nullptr},
+    {10, Frame::Standard, "WEB Update_PTZ_Image_Flip",
+     [](SyncArgs& a) { return onvif::Update_PTZ_Image_Flip(a.block); }},
     {11, Frame::Standard, "WEB Update_RS485Control", nullptr},
     {12, Frame::Standard, "WEB Update_AlarmOutput_High_Low", nullptr},
-    {13, Frame::Standard, "WEB Update_AvailableResolutionTable", nullptr},
+    {13, Frame::Standard, "WEB Update_AvailableResolutionTable",
+     [](SyncArgs& a) { return onvif::Update_AvailableResolutionTable(a.block); }},
     {14, Frame::Standard, "WEB Update_PresetTour", [](SyncArgs& a) { return onvif::Update_PresetTour(a.block); }},
-    {15, Frame::Standard, "WEB Update_H264Profile", nullptr},
+    {15, Frame::Standard, "WEB Update_H264Profile", [](SyncArgs& a) { return onvif::Update_H264Profile(a.block); }},
     {16, Frame::Standard, "WEB Update_OSD", [](SyncArgs& a) { return onvif::Update_OSD(a.block); }},
     {17, Frame::NoWaitNoLog, nullptr, sendPtzControl},
     {18, Frame::Standard, "WEB Update_Recording", nullptr},
-    {19, Frame::Standard, "WEB Update_EncodingPriority", nullptr},
+    {19, Frame::Standard, "WEB Update_EncodingPriority",
+     [](SyncArgs& a) { return onvif::Update_EncodingPriority(a.block); }},
     {20, Frame::Standard, "WEB Update_IPV6", nullptr},
     {21, Frame::Standard, "WEB Update_Brask_OnvifSetting",
      [](SyncArgs& a) { return onvif::Update_Brask_OnvifSetting(a.block); }},
