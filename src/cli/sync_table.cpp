@@ -7,6 +7,8 @@
 
 #include "conf/lines.h"
 #include "sync/network/auth.h"
+#include "sync/network/network.h"
+#include "sync/network/scopes.h"
 
 namespace cli {
 
@@ -68,14 +70,16 @@ int hexToBinary(SyncArgs& a) {
 }
 
 const SyncCommand kCommands[] = {
-    {1, Frame::Standard, "WEB Update_Network", nullptr},
+    {1, Frame::Standard, "WEB Update_Network",
+     [](SyncArgs& a) { return onvif::Update_Network(a.multiStream, a.block.get(Slot::ONVIF_DEVICE), a.block); }},
     {2, Frame::Standard, "WEB Update_Imapge_Appearance", nullptr},
     {3, Frame::Standard, "WEB Update_Imapge_Source", nullptr},
     {4, Frame::Standard, "WEB Update_Audio_Source", nullptr},
     {5, Frame::Standard, "WEB Update_framerate", nullptr},
     {6, Frame::Standard, "WEB Update_frameskip", nullptr},
     {7, Frame::Standard, "WEB Update_Flip_Vision", nullptr},
-    {8, Frame::Standard, "WEB Update_Hostname_To_Scopes", nullptr},
+    {8, Frame::Standard, "WEB Update_Hostname_To_Scopes",
+     [](SyncArgs& a) { return onvif::Update_Hostname_To_Scopes(a.block); }},
     {9, Frame::Standard, "WEB Update_Multicast", nullptr},
     {10, Frame::Standard, "WEB Update_PTZ_Image_Flip", nullptr},
     {11, Frame::Standard, "WEB Update_RS485Control", nullptr},
@@ -87,7 +91,7 @@ const SyncCommand kCommands[] = {
     {17, Frame::NoWaitNoLog, nullptr, sendPtzControl},
     {18, Frame::Standard, "WEB Update_Recording", nullptr},
     {19, Frame::Standard, "WEB Update_EncodingPriority", nullptr},
-    {20, Frame::Standard, "WEB Update_IPV6", nullptr},
+    {20, Frame::Standard, "WEB Update_IPV6", [](SyncArgs& a) { return onvif::Update_IPV6(a.block); }},
     {21, Frame::Standard, "WEB Update_Brask_OnvifSetting",
      [](SyncArgs& a) { return onvif::Update_Brask_OnvifSetting(a.block); }},
     {22, Frame::Standard, "WEB STA_OnvifSetting_Protect",
@@ -99,7 +103,7 @@ const SyncCommand kCommands[] = {
     {26, Frame::Standard, "WEB Update_SetUser", nullptr},
     {27, Frame::NoWait, "API Set Without Audio", [](SyncArgs& a) { return setAudio(a, 27, 0); }},
     {28, Frame::NoWait, "API Set With Audio", [](SyncArgs& a) { return setAudio(a, 28, 1); }},
-    {29, Frame::Standard, "WEB Update_IPAddr", nullptr},
+    {29, Frame::Standard, "WEB Update_IPAddr", [](SyncArgs& a) { return onvif::Update_IPAddr(a.block); }},
     {30, Frame::NoWait, "Upgrade FW from StartFirmwareUpgrade", upgradeFirmware},
     {31, Frame::Standard, "WEB Update_Recording_Channel", nullptr},
     {32, Frame::Standard, "WEB Change_Onvif_Path", nullptr},
