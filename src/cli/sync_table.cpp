@@ -6,6 +6,7 @@
 #include <ctime>
 
 #include "conf/lines.h"
+#include "sync/network/accounts.h"
 #include "sync/network/auth.h"
 #include "sync/network/network.h"
 #include "sync/network/scopes.h"
@@ -98,9 +99,9 @@ const SyncCommand kCommands[] = {
      [](SyncArgs& a) { return onvif::STA_OnvifSetting_Protect(a.block); }},
     {23, Frame::Standard, "WEB ProfileQ_Authentication_Setting",
      [](SyncArgs& a) { return onvif::ProfileQ_Authentication_Setting(a.block); }},
-    {24, Frame::Standard, "WEB Update_AddUser", nullptr},
-    {25, Frame::Standard, "WEB Update_RemoveUser", nullptr},
-    {26, Frame::Standard, "WEB Update_SetUser", nullptr},
+    {24, Frame::Standard, "WEB Update_AddUser", [](SyncArgs& a) { return onvif::Update_AddUser(a.block); }},
+    {25, Frame::Standard, "WEB Update_RemoveUser", [](SyncArgs& a) { return onvif::Update_RemoveUser(a.block); }},
+    {26, Frame::Standard, "WEB Update_SetUser", [](SyncArgs& a) { return onvif::Update_SetUser(a.block); }},
     {27, Frame::NoWait, "API Set Without Audio", [](SyncArgs& a) { return setAudio(a, 27, 0); }},
     {28, Frame::NoWait, "API Set With Audio", [](SyncArgs& a) { return setAudio(a, 28, 1); }},
     {29, Frame::Standard, "WEB Update_IPAddr", [](SyncArgs& a) { return onvif::Update_IPAddr(a.block); }},
@@ -108,7 +109,7 @@ const SyncCommand kCommands[] = {
     {31, Frame::Standard, "WEB Update_Recording_Channel", nullptr},
     {32, Frame::Standard, "WEB Change_Onvif_Path", nullptr},
     {33, Frame::WaitNoLog, nullptr, searchEvent},
-    {34, Frame::Standard, "WEB Update_AdminUser", nullptr},
+    {34, Frame::Standard, "WEB Update_AdminUser", [](SyncArgs& a) { return onvif::Update_AdminUser(a.block); }},
     {35, Frame::Standard, "WEB Update_SD_CARD_STATUS", nullptr},
     {36, Frame::Standard, "WEB Update_SmartCompression", nullptr},
     {98, Frame::None, nullptr, sendDiscovery},
