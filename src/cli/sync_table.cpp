@@ -8,6 +8,7 @@
 #include "conf/lines.h"
 #include "sync/network/accounts.h"
 #include "sync/network/auth.h"
+#include "sync/network/device.h"
 #include "sync/network/network.h"
 #include "sync/network/scopes.h"
 
@@ -83,14 +84,15 @@ const SyncCommand kCommands[] = {
      [](SyncArgs& a) { return onvif::Update_Hostname_To_Scopes(a.block); }},
     {9, Frame::Standard, "WEB Update_Multicast", nullptr},
     {10, Frame::Standard, "WEB Update_PTZ_Image_Flip", nullptr},
-    {11, Frame::Standard, "WEB Update_RS485Control", nullptr},
-    {12, Frame::Standard, "WEB Update_AlarmOutput_High_Low", nullptr},
+    {11, Frame::Standard, "WEB Update_RS485Control", [](SyncArgs& a) { return onvif::Update_RS485Control(a.block); }},
+    {12, Frame::Standard, "WEB Update_AlarmOutput_High_Low",
+     [](SyncArgs& a) { return onvif::Update_AlarmOutput_High_Low(a.block); }},
     {13, Frame::Standard, "WEB Update_AvailableResolutionTable", nullptr},
     {14, Frame::Standard, "WEB Update_PresetTour", nullptr},
     {15, Frame::Standard, "WEB Update_H264Profile", nullptr},
     {16, Frame::Standard, "WEB Update_OSD", nullptr},
     {17, Frame::NoWaitNoLog, nullptr, sendPtzControl},
-    {18, Frame::Standard, "WEB Update_Recording", nullptr},
+    {18, Frame::Standard, "WEB Update_Recording", [](SyncArgs& a) { return onvif::Update_Recording(a.block); }},
     {19, Frame::Standard, "WEB Update_EncodingPriority", nullptr},
     {20, Frame::Standard, "WEB Update_IPV6", [](SyncArgs& a) { return onvif::Update_IPV6(a.block); }},
     {21, Frame::Standard, "WEB Update_Brask_OnvifSetting",
@@ -106,12 +108,13 @@ const SyncCommand kCommands[] = {
     {28, Frame::NoWait, "API Set With Audio", [](SyncArgs& a) { return setAudio(a, 28, 1); }},
     {29, Frame::Standard, "WEB Update_IPAddr", [](SyncArgs& a) { return onvif::Update_IPAddr(a.block); }},
     {30, Frame::NoWait, "Upgrade FW from StartFirmwareUpgrade", upgradeFirmware},
-    {31, Frame::Standard, "WEB Update_Recording_Channel", nullptr},
-    {32, Frame::Standard, "WEB Change_Onvif_Path", nullptr},
+    {31, Frame::Standard, "WEB Update_Recording_Channel",
+     [](SyncArgs& a) { return onvif::Update_Recording_Channel(a.block); }},
+    {32, Frame::Standard, "WEB Change_Onvif_Path", [](SyncArgs& a) { return onvif::Change_Onvif_Path(a.block); }},
     {33, Frame::WaitNoLog, nullptr, searchEvent},
     {34, Frame::Standard, "WEB Update_AdminUser", [](SyncArgs& a) { return onvif::Update_AdminUser(a.block); }},
-    {35, Frame::Standard, "WEB Update_SD_CARD_STATUS", nullptr},
-    {36, Frame::Standard, "WEB Update_SmartCompression", nullptr},
+    {35, Frame::Standard, "WEB Update_SD_CARD_STATUS", [](SyncArgs& a) { return onvif::Update_SD_CARD_STATUS(a.block); }},
+    {36, Frame::Standard, "WEB Update_SmartCompression", [](SyncArgs&) { return onvif::Update_SmartCompression(); }},
     {98, Frame::None, nullptr, sendDiscovery},
     {99, Frame::None, nullptr, packbitDecode},
     {100, Frame::None, nullptr, packbitEncode},
