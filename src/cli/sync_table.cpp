@@ -9,7 +9,11 @@
 #include "recording/selftest.h"
 #include "sync/audio/audio.h"
 #include "sync/audio/multicast.h"
+#include "sync/network/accounts.h"
 #include "sync/network/auth.h"
+#include "sync/network/device.h"
+#include "sync/network/network.h"
+#include "sync/network/scopes.h"
 #include "sync/ptz/osd.h"
 #include "sync/ptz/presets.h"
 #include "sync/video/appearance.h"
@@ -81,7 +85,8 @@ int hexToBinary(SyncArgs& a) {
 }
 
 const SyncCommand kCommands[] = {
-    {1, Frame::Standard, "WEB Update_Network", nullptr},
+    {1, Frame::Standard, "WEB Update_Network",
+     [](SyncArgs& a) { return onvif::Update_Network(a.multiStream, a.block.get(Slot::ONVIF_DEVICE), a.block); }},
     {2, Frame::Standard, "WEB Update_Imapge_Appearance",
      [](SyncArgs& a) {
        return onvif::Update_Imapge_Appearance(a.multiStream, a.block.get(Slot::ONVIF_VIDEO_TYPE),
@@ -103,41 +108,44 @@ const SyncCommand kCommands[] = {
                                       a.block.get(Slot::CHANGE_WIDTH), a.block.get(Slot::ONVIF_CODEC));
      }},
     {7, Frame::Standard, "WEB Update_Flip_Vision", [](SyncArgs& a) { return onvif::Update_Flip_Vision(a.block); }},
-    {8, Frame::Standard, "WEB Update_Hostname_To_Scopes", nullptr},
+    {8, Frame::Standard, "WEB Update_Hostname_To_Scopes",
+     [](SyncArgs& a) { return onvif::Update_Hostname_To_Scopes(a.block); }},
     {9, Frame::Standard, "WEB Update_Multicast", [](SyncArgs& a) { return onvif::Update_Multicast(a.block); }},
     {10, Frame::Standard, "WEB Update_PTZ_Image_Flip",
      [](SyncArgs& a) { return onvif::Update_PTZ_Image_Flip(a.block); }},
-    {11, Frame::Standard, "WEB Update_RS485Control", nullptr},
-    {12, Frame::Standard, "WEB Update_AlarmOutput_High_Low", nullptr},
+    {11, Frame::Standard, "WEB Update_RS485Control", [](SyncArgs& a) { return onvif::Update_RS485Control(a.block); }},
+    {12, Frame::Standard, "WEB Update_AlarmOutput_High_Low",
+     [](SyncArgs& a) { return onvif::Update_AlarmOutput_High_Low(a.block); }},
     {13, Frame::Standard, "WEB Update_AvailableResolutionTable",
      [](SyncArgs& a) { return onvif::Update_AvailableResolutionTable(a.block); }},
     {14, Frame::Standard, "WEB Update_PresetTour", [](SyncArgs& a) { return onvif::Update_PresetTour(a.block); }},
     {15, Frame::Standard, "WEB Update_H264Profile", [](SyncArgs& a) { return onvif::Update_H264Profile(a.block); }},
     {16, Frame::Standard, "WEB Update_OSD", [](SyncArgs& a) { return onvif::Update_OSD(a.block); }},
     {17, Frame::NoWaitNoLog, nullptr, sendPtzControl},
-    {18, Frame::Standard, "WEB Update_Recording", nullptr},
+    {18, Frame::Standard, "WEB Update_Recording", [](SyncArgs& a) { return onvif::Update_Recording(a.block); }},
     {19, Frame::Standard, "WEB Update_EncodingPriority",
      [](SyncArgs& a) { return onvif::Update_EncodingPriority(a.block); }},
-    {20, Frame::Standard, "WEB Update_IPV6", nullptr},
+    {20, Frame::Standard, "WEB Update_IPV6", [](SyncArgs& a) { return onvif::Update_IPV6(a.block); }},
     {21, Frame::Standard, "WEB Update_Brask_OnvifSetting",
      [](SyncArgs& a) { return onvif::Update_Brask_OnvifSetting(a.block); }},
     {22, Frame::Standard, "WEB STA_OnvifSetting_Protect",
      [](SyncArgs& a) { return onvif::STA_OnvifSetting_Protect(a.block); }},
     {23, Frame::Standard, "WEB ProfileQ_Authentication_Setting",
      [](SyncArgs& a) { return onvif::ProfileQ_Authentication_Setting(a.block); }},
-    {24, Frame::Standard, "WEB Update_AddUser", nullptr},
-    {25, Frame::Standard, "WEB Update_RemoveUser", nullptr},
-    {26, Frame::Standard, "WEB Update_SetUser", nullptr},
+    {24, Frame::Standard, "WEB Update_AddUser", [](SyncArgs& a) { return onvif::Update_AddUser(a.block); }},
+    {25, Frame::Standard, "WEB Update_RemoveUser", [](SyncArgs& a) { return onvif::Update_RemoveUser(a.block); }},
+    {26, Frame::Standard, "WEB Update_SetUser", [](SyncArgs& a) { return onvif::Update_SetUser(a.block); }},
     {27, Frame::NoWait, "API Set Without Audio", [](SyncArgs& a) { return setAudio(a, 27, 0); }},
     {28, Frame::NoWait, "API Set With Audio", [](SyncArgs& a) { return setAudio(a, 28, 1); }},
-    {29, Frame::Standard, "WEB Update_IPAddr", nullptr},
+    {29, Frame::Standard, "WEB Update_IPAddr", [](SyncArgs& a) { return onvif::Update_IPAddr(a.block); }},
     {30, Frame::NoWait, "Upgrade FW from StartFirmwareUpgrade", upgradeFirmware},
-    {31, Frame::Standard, "WEB Update_Recording_Channel", nullptr},
-    {32, Frame::Standard, "WEB Change_Onvif_Path", nullptr},
+    {31, Frame::Standard, "WEB Update_Recording_Channel",
+     [](SyncArgs& a) { return onvif::Update_Recording_Channel(a.block); }},
+    {32, Frame::Standard, "WEB Change_Onvif_Path", [](SyncArgs& a) { return onvif::Change_Onvif_Path(a.block); }},
     {33, Frame::WaitNoLog, nullptr, searchEvent},
-    {34, Frame::Standard, "WEB Update_AdminUser", nullptr},
-    {35, Frame::Standard, "WEB Update_SD_CARD_STATUS", nullptr},
-    {36, Frame::Standard, "WEB Update_SmartCompression", nullptr},
+    {34, Frame::Standard, "WEB Update_AdminUser", [](SyncArgs& a) { return onvif::Update_AdminUser(a.block); }},
+    {35, Frame::Standard, "WEB Update_SD_CARD_STATUS", [](SyncArgs& a) { return onvif::Update_SD_CARD_STATUS(a.block); }},
+    {36, Frame::Standard, "WEB Update_SmartCompression", [](SyncArgs&) { return onvif::Update_SmartCompression(); }},
     {98, Frame::None, nullptr, sendDiscovery},
     {99, Frame::None, nullptr, packbitDecode},
     {100, Frame::None, nullptr, packbitEncode},

@@ -1,0 +1,48 @@
+#include "sync/network/scopes.h"
+
+#include <string>
+
+#include "conf/error_log.h"
+#include "conf/field.h"
+#include "conf/keys.h"
+#include "conf/paths.h"
+#include "conf/rewrite.h"
+
+namespace onvif {
+
+using conf::Field;
+
+namespace {
+
+constexpr const char* kNetworkConf = "/etc/sysconfig/network.conf";
+constexpr const char* kLocationConf = "/etc/sysconfig/location.conf";
+constexpr const char* kNameScope = "FixedScopes=onvif://www.onvif.org/name/";
+constexpr const char* kLocationScope = "ConfigurableScopes=onvif://www.onvif.org/location/";
+
+}  // namespace
+
+int Update_Hostname_To_Scopes(shm::ShmBlock& block) {
+  if (block.get(shm::Slot::ONVIF_BRAND) != 40)
+    return conf::logError("Update_Hostname_To_Scopes is only for Orvane & Quillon");
+
+  Field<64> hostName;
+  if (!conf::scanConf(kNetworkConf, {conf::rest("root.Network.HostName=", hostName).first()}))
+    conf::logError("Update_Hostname_To_Scopes %s missing", kNetworkConf);
+  Field<64> location;
+  location = "country";
+  if (!conf::scanConf(kLocationConf, {conf::rest("root.Orvane.Location=", location).first()}))
+    conf::logError("Update_Location_To_Scopes %s missing", kLocationConf);
+
+  // Both are written as read, blanks included: the server takes the scope
+  // text as it stands.
+  conf::RewriteJob job;
+  job.routine = "Update_Hostname_To_Scopes";
+  job.source = conf::kLiveOnvifConf;
+  job.temp = conf::wsTemp(job.routine);
+  job.targets = {conf::kLiveOnvifConf, conf::kPersistOnvifConf};
+  job.missing = "Update_Location_To_Scopes %s missing";
+  return conf::rewrite(job, {conf::set(kNameScope, hostName.str()), conf::set(kLocationScope, location.str())})
+      .shell;
+}
+
+}  // namespace onvif

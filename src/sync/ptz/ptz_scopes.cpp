@@ -1,0 +1,64 @@
+#include "sync/ptz/ptz_scopes.h"
+
+#include <string>
+
+#include "conf/error_log.h"
+#include "conf/lines.h"
+#include "conf/paths.h"
+#include "conf/rewrite.h"
+
+namespace onvif {
+
+namespace {
+
+constexpr const char* kStreamingScope = "FixedScopes=onvif://www.onvif.org/Profile/Streaming";
+constexpr const char* kPtzScope = "FixedScopes=onvif://www.onvif.org/type/ptz";
+constexpr const char* kProfiles = "/tmp/onvif/Profiles.conf";
+
+}  // namespace
+
+void update_onvif_conf_file_ptzscopes(int ptz) {
+  const std::string routine = "update_onvif_conf_file_ptzscopes";
+  const std::string missing = routine + ":%s missing";
+  bool present = false;
+  if (!conf::forEachLine(conf::kLiveOnvifConf, [&](const char* line) {
+        present = conf::holds(line, kPtzScope);
+        return !present;
+      })) {
+    conf::logError(missing.c_str(), conf::kLiveOnvifConf);
+    return;
+  }
+  const bool on = ptz == 1;
+  if (on == present) return;
+
+  conf::RewriteJob job;
+  job.routine = routine;
+  job.source = conf::kLiveOnvifConf;
+  job.temp = conf::wsTemp(routine);
+  job.targets = {conf::kLiveOnvifConf, conf::kPersistOnvifConf};
+  job.missing = missing;
+  // On: the PTZ scope follows each Streaming profile scope (none, none added).
+  // Off: every PTZ scope line goes.
+  conf::rewrite(job, {on ? conf::rule(kStreamingScope,
+                                      [](const char*) { return conf::Out::keepThen(std::string(kPtzScope) + "\n"); })
+                         : conf::dropLine(kPtzScope)});
+}
+
+void update_onvif_profile_ptzconf(int ptz) {
+  const std::string routine = "update_onvif_profile_ptzconf";
+  const std::string missing = routine + ":%s missing";
+  const char* binding = ptz == 1 ? "PTZ=PTZConf1\n" : "PTZ=NONE\n";
+  if (!conf::forEachName(kProfiles, "profile filename=", "profile filename=%s\n", [&](const std::string& name) {
+        conf::RewriteJob job;
+        job.routine = routine;
+        job.source = conf::kLiveDir + name;
+        job.temp = conf::wsTemp(routine);
+        job.targets = {job.source};
+        job.missing = missing;  // logged; the next profile is processed
+        conf::rewrite(job, {conf::fixed("PTZ=", binding)});
+        return true;
+      }))
+    conf::logError(missing.c_str(), kProfiles);
+}
+
+}  // namespace onvif
