@@ -1,9 +1,13 @@
 #include "conf/write_file.h"
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <cstdio>
 
 #include "conf/error_log.h"
 #include "conf/lines.h"
+#include "conf/paths.h"
 
 namespace conf {
 
@@ -14,6 +18,32 @@ bool writeFile(const std::string& routine, const std::string& cameraPath, const 
   if (f != nullptr && std::fclose(f) != 0) ok = false;
   if (!ok) logError(routine + ":" + cameraPath + " write failed");
   return ok;
+}
+
+namespace {
+
+// Cuts a file back to `size`. A file that is not a regular one (a device)
+// cannot be cut and stays as the failed write left it.
+bool cutBack(int fd, off_t size) { return ftruncate(fd, size) == 0; }
+bool cutBack(const std::string& cameraPath, off_t size) {
+  return truncate(hostPath(cameraPath).c_str(), size) == 0;
+}
+
+}  // namespace
+
+AppendStatus appendText(const std::string& cameraPath, const std::string& text) {
+  std::FILE* f = openCamera(cameraPath, "a");
+  if (f == nullptr) return AppendStatus::OpenFailed;
+  struct stat st {};
+  off_t before = fstat(fileno(f), &st) == 0 ? st.st_size : 0;
+  bool ok = std::fwrite(text.data(), 1, text.size(), f) == text.size();
+  if (std::fflush(f) != 0 || std::ferror(f)) ok = false;
+  if (!ok) cutBack(fileno(f), before);
+  if (std::fclose(f) != 0 && ok) {
+    ok = false;
+    cutBack(cameraPath, before);
+  }
+  return ok ? AppendStatus::Done : AppendStatus::WriteFailed;
 }
 
 }  // namespace conf

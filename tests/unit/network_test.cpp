@@ -3,7 +3,7 @@
 
 #include <cstdlib>
 
-#include "conf/append.h"
+#include "conf/write_file.h"
 #include "sync/network/network.h"
 #include "sync/network/timezone.h"
 

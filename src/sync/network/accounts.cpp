@@ -3,7 +3,7 @@
 #include <functional>
 #include <string>
 
-#include "conf/append.h"
+#include "conf/write_file.h"
 #include "conf/error_log.h"
 #include "conf/field.h"
 #include "conf/lines.h"

@@ -7,7 +7,7 @@
 #include "conf/lines.h"
 #include "conf/paths.h"
 #include "conf/rewrite.h"
-#include "conf/shell.h"
+#include "conf/write_file.h"
 
 namespace onvif {
 
@@ -57,13 +57,10 @@ int Update_Administrator_Username(shm::ShmBlock&) {
     return conf::logError("Update_Administrator_Username: No Find Username.");
 
   std::remove(conf::hostPath(kAdministratorConf).c_str());
-  std::FILE* f = conf::openCamera(kAdministratorConf, "w+");
-  bool ok = f != nullptr && std::fprintf(f, "Administrator=%s\n", name.c_str()) > 0;
-  if (f != nullptr && std::fclose(f) != 0) ok = false;
-  if (!ok)
-    return conf::logError(std::string("Update_Administrator_Username:") + kAdministratorConf +
-                          " write failed");
-  return 0;
+  return conf::writeFile("Update_Administrator_Username", kAdministratorConf,
+                         std::string("Administrator=") + name.c_str() + "\n")
+             ? 0
+             : -1;
 }
 
 int Update_Brask_OnvifSetting(shm::ShmBlock& block) {

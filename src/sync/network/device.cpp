@@ -6,7 +6,7 @@
 #include <iterator>
 #include <string>
 
-#include "conf/append.h"
+#include "conf/write_file.h"
 #include "conf/error_log.h"
 #include "conf/field.h"
 #include "conf/keys.h"
