@@ -73,7 +73,7 @@ TEST(UpdateOsd, PositionsColoursSizesAndBrands) {
   } cases[] = {
       {{"StringPosition=topright"}, {"PositionType=UpperRight", "Position_X=1.0", "Position_Y=1.0"}, 0},
       {{"StringPosition=0.5,-0.25"}, {"PositionType=Custom", "Position_X=0.50", "Position_Y=-0.25"}, 0},
-      {{"StringPosition=middle"}, {"PositionType=Custom", "Position_X=-1.0"}, 0},
+      {{"StringPosition=nan,0.5"}, {"PositionType=Custom", "Position_X=-1.0", "Position_Y=-1.0"}, 0},
       {{"Color=red", "Size=48"}, {"FontColor_X=76.2", "FontColor_Y=85.0", "FontColor_Z=255.0", "FontSize=48"}, 0},
       {{"Color=purple", "Size=big"}, {"FontColor_X=255.0", "FontColor_Z=128.0", "FontSize=32"}, 0},
       {{"String=Hall B; rm -rf /"}, {"PlainText=Hall B; rm -rf /", "TextType=Plain"}, 0},
@@ -106,14 +106,14 @@ TEST(UpdateOsd, Failures) {
     EXPECT_TRUE(cam.exists(D + "OSDtoken1.osdconf"));
     EXPECT_TRUE(cam.shellTrace().empty());
   }
-  {  // a token that is not a record name is replaced, never removed
+  {  // a token that is not a record name (nor the template) is replaced, never removed
     Camera cam;
     cam.write("/etc/keep.osdconf", "x\n");
-    cam.write(kList, "OSDToken=../../../../etc/keep\nOSDToken=OSDtoken2\nOSDToken=NULL\n");
+    cam.write(kList, "OSDToken=../../../../etc/keep\nOSDToken=OSD\nOSDToken=NULL\n");
     setUp(cam, {"ClockEnabled=no"});
     EXPECT_EQ(cam.lines(kList), (Lines{"OSDToken=OSDtoken1", "OSDToken=NULL", "OSDToken=OSDtoken3"}));
     EXPECT_TRUE(cam.exists("/etc/keep.osdconf"));
-    EXPECT_FALSE(cam.exists(D + "OSDtoken2.osdconf"));
+    EXPECT_TRUE(cam.exists(D + "OSD.osdconf"));
   }
 }
 

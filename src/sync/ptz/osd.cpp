@@ -1,6 +1,7 @@
 #include "sync/ptz/osd.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <vector>
@@ -113,7 +114,8 @@ std::string number(double v, int decimals = 1) {
 }
 
 // A corner word, or a custom position "X,Y" in -1..1 (clamped); any other text
-// is a custom position at the record's current coordinates.
+// (also "nan" or "inf", which sscanf reads as numbers) is a custom position at
+// the record's current coordinates.
 Placement placement(const std::string& web) {
   Placement p;
   for (const Corner& c : kCorners) {
@@ -126,7 +128,7 @@ Placement placement(const std::string& web) {
   }
   double x = 0, y = 0;
   char tail = 0;
-  if (std::sscanf(web.c_str(), "%lf,%lf%c", &x, &y, &tail) == 2) {
+  if (std::sscanf(web.c_str(), "%lf,%lf%c", &x, &y, &tail) == 2 && std::isfinite(x) && std::isfinite(y)) {
     p.x = number(std::clamp(x, -1.0, 1.0), 2);
     p.y = number(std::clamp(y, -1.0, 1.0), 2);
   }
@@ -180,9 +182,11 @@ conf::Result updateRecord(const std::string& token, const Element& e, const Text
   });
 }
 
-// A list token that names a record file of this folder.
+// A list token that names a record file of this folder. "OSD" would name the
+// template every new record is copied from, which is not a record.
 bool isRecordName(const std::string& token) {
-  return !token.empty() && token != kNull && token[0] != '.' && token.find('/') == std::string::npos;
+  return !token.empty() && token != kNull && token[0] != '.' && token.find('/') == std::string::npos &&
+         kOsdDir + token + ".osdconf" != kOsdTemplate;
 }
 
 bool recordExists(const std::string& token) {
