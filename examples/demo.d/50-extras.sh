@@ -13,13 +13,18 @@ web /etc/sysconfig/image_text.conf root.Image.I0.Text.DateEnabled no
 ctl -u 16
 
 say "Profile G recording of the first stream: start, stop, and the streaming server's bytes"
+# The key-3745 segment is one for the whole host: hold the lock the tests take
+# for it, so that a test run beside the demo does not remove it mid-step.
+exec 9>/tmp/onvifctrl-fixed-keys.lock
+if command -v flock >/dev/null; then flock 9; fi
 made_stream=0
 if "$shmtool" stream-create 2>/dev/null; then made_stream=1; fi
 ctl -r 1
 echo "  streaming server bytes 0..3: $("$shmtool" stream-dump | head -4 | awk '{print $2}' | tr '\n' ' ')"
 ctl -r 2
 ctl -s 8
-if [ "$made_stream" = 1 ]; then "$shmtool" stream-remove; fi
+if [ "$made_stream" = 1 ]; then "$shmtool" stream-remove || true; fi
+exec 9>&-
 
 say "Recording summary and the recording database"
 ctl -r 3
