@@ -41,17 +41,23 @@ TEST(Auth, PasswordCheckSwitchesBothCopiesAndTheSlot) {
   }
 }
 
+// A missing source leaves an empty temporary file, the target and the slot as
+// they were, and one error-log line per run.
 TEST(Auth, PasswordCheckWithoutTheLiveFileLogsAndKeepsTheSlot) {
   Camera cam;
   cam.startServer({{Slot::ONVIF_CHECK_PASSWORD, 7}});
   cam.remove(kLive);
+  cam.write(kPersist, "persistent\n");
   cam.run({"-a", "0"});
   cam.run({"-a", "1"});
   EXPECT_EQ(cam.slot(Slot::ONVIF_CHECK_PASSWORD), 7);
+  EXPECT_EQ(cam.read(kPersist), "persistent\n");
   EXPECT_EQ(cam.errorLog(), (std::vector<std::string>{
                                 "Update_Onvif_DoNot_Check_Password /tmp/onvif/onvif.conf missing",
                                 "Update_Onvif_Check_Password /tmp/onvif/onvif.conf missing"}));
+  EXPECT_TRUE(cam.exists("/tmp/onvif/tmp/WS_Update_Onvif_Check_Password"));
   EXPECT_EQ(cam.read("/tmp/onvif/tmp/WS_Update_Onvif_Check_Password"), "");
+  EXPECT_TRUE(cam.shellTrace().empty());
 }
 
 TEST(Auth, AdministratorName) {

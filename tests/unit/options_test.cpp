@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "cli/options.h"
-#include "cli/post_parse.h"
 #include "cli/sync_table.h"
 
 namespace {
@@ -50,13 +49,6 @@ TEST(SyncTable, EveryCommandNumberHasARow) {
   for (int n = 1; n <= 36; ++n) EXPECT_NE(cli::findSyncCommand(n), nullptr) << n;
   for (int n = 98; n <= 101; ++n) EXPECT_NE(cli::findSyncCommand(n), nullptr) << n;
   for (int n : {0, 37, 97, 102}) EXPECT_EQ(cli::findSyncCommand(n), nullptr) << n;
-}
-
-TEST(TabsTo, AlignsToTheColumn) {
-  EXPECT_EQ(cli::tabsTo(20, 40), "\t\t\t");  // "*(shm + SERVER_STATE"
-  EXPECT_EQ(cli::tabsTo(19, 32), "\t\t");    // "*(shm + EVENT_INDEX"
-  EXPECT_EQ(cli::tabsTo(25, 32), "\t");      // "*(shm + ONVIF_SEND_NOTIFY"
-  EXPECT_EQ(cli::tabsTo(60, 40), "\t");      // a long name keeps one tab
 }
 
 }  // namespace
