@@ -44,6 +44,8 @@ TEST(Accounts, AddAndSetUser) {
        {{kUsers, "admin:Operator:new\nzed:User:zpw\nop:Operator:pw\nnopass:Administrator:zpw\n"}}, {}, {}, "", V{in, add, add, out}},
       {"24", {}, {{kWork, {}}, {kUsers, {}}, {kPrivacy, "a:1:1:1:1\n"}, {kPass, {}}}, {{kUsers, "a:Administrator:\n"}}, {},
        {"update_conf_add_user:" + kWork + " missing", "Update_AddUser:" + kPass + " missing"}},
+      // A password line that does not parse gives the last name with no password, never its mask.
+      {"24", {}, {{kUsers, ""}, {kPrivacy, "a:1:1:1:1\n"}, {kPass, ":oops\n"}}, {{kUsers, "a:Administrator:\n"}}},
       // Set never adds an account.
       {"26", {}, {{kUsers, "admin:Administrator:old\nop:User:op\n"}, {kPrivacy, "op:1:1:0:0\nghost:1:1:1:1\n"}, {kPass, "op:new\nghost:g"}},
        {{kUsers, "admin:Administrator:old\nop:Operator:new\n"}}, {}, {}, "", V{in, os, os, set, set, out}},
