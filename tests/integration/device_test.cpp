@@ -54,30 +54,6 @@ TEST(Device, RS485ControlSetsPanTiltZoomScopeAndProfiles) {
   EXPECT_FALSE(cam.exists("/pwned") || cam.exists("/tmp/onvif/pwned"));
 }
 
-TEST(Device, AlarmOutputIdleStateIsTheOppositeOfTheActiveState) {
-  const std::string out1 = "/tmp/onvif/IO_Output1.conf", out2 = "/tmp/onvif/IO_Output2.conf", list = "/usr/apache/htdocs/onvif/IO";
-  const std::string log = "Update_AlarmOutput_High_Low:", gone = log + "/tmp/onvif/IO_Output9.conf missing";
-  auto outputs = [&](const std::string& o0, const std::string& o1) -> testkit::Files {
-    return {{"/etc/sysconfig/outputs.conf", "root.Output.O0.Active=" + o0 + "\nroot.Output.O1.Active=" + o1},
-            {out1, "token=IO_Output1\nIdleState=x\nN=%d\n"}, {out2, "token=IO_Output2\nIdleState=x\n"}};
-  };
-  auto idle = [&](const std::string& i1, const std::string& i2) -> testkit::Files {
-    return {{out1, "token=IO_Output1\nIdleState=" + i1 + "\nN=0\n"}, {out2, "token=IO_Output2\nIdleState=" + i2 + "\n"}};
-  };
-  const Slot s1 = Slot::ONVIF_OUTPUT1_ACTIVE_STATE, s2 = Slot::ONVIF_OUTPUT2_ACTIVE_STATE;
-  Camera cam;
-  cam.startServer({{Slot::ONVIF_IO_TYPE, 1}});
-  cam.write(list + ".conf", "IO_Input1.conf\nIO_Output9.conf\nIO_Output1.conf\nIO_Output2.conf\n");
-  testkit::runCases(cam, {
-      {"12", {{s1, 7}, {s2, 7}}, outputs("closed", "open"), idle("open", "closed"), {{s1, 0}, {s2, 1}}, {gone}},
-      {"12", {{s1, 7}, {s2, 7}}, outputs("open", "closed"), idle("closed", "open"), {{s1, 1}, {s2, 0}}, {gone}},
-      {"12", {{s1, 7}, {s2, 7}}, outputs("Closed", ""), idle("x", "x"), {{s1, 7}, {s2, 7}}, {gone}},
-      // I/O type 5 reads IOPTZ.conf but names IO.conf when it is missing.
-      {"12", {{Slot::ONVIF_IO_TYPE, 5}}, {{list + "PTZ.conf", {}}}, {}, {}, {log + list + ".conf missing"}},
-      {"12", {{Slot::ONVIF_IO_TYPE, 3}}, {}, {}, {}, {log + list + "PTZ.conf missing"}},
-  });
-}
-
 TEST(Device, RecordingNamesAndChannels) {
   testkit::FixedKeyLock lock;
   Camera cam;
@@ -110,9 +86,21 @@ TEST(Device, RecordingNamesAndChannels) {
   });
 }
 
-
-// The commands that only set a slot (-u 20 IPv6, -u 32 device I/O path, -u 35 SD card interval), and -u 36.
-TEST(Device, SlotSettingsAndSmartCompression) {
+// The alarm outputs' idle states (-u 12), the commands that only set a slot (-u 20 IPv6, -u 32 device I/O
+// path, -u 35 SD card interval), and smart compression (-u 36).
+TEST(Device, AlarmOutputsSlotSettingsAndSmartCompression) {
+  const std::string out1 = "/tmp/onvif/IO_Output1.conf", out2 = "/tmp/onvif/IO_Output2.conf", list = "/usr/apache/htdocs/onvif/IO";
+  const std::string log = "Update_AlarmOutput_High_Low:", gone = log + "/tmp/onvif/IO_Output9.conf missing";
+  auto outputs = [&](const std::string& o0, const std::string& o1) -> testkit::Files {
+    return {{"/etc/sysconfig/outputs.conf", "root.Output.O0.Active=" + o0 + "\nroot.Output.O1.Active=" + o1},
+            {out1, "token=IO_Output1\nIdleState=x\nN=%d\n"}, {out2, "token=IO_Output2\nIdleState=x\n"},
+            {list + ".conf", "IO_Input1.conf\nIO_Output9.conf\nIO_Output1.conf\nIO_Output2.conf\n"}};
+  };
+  // The idle state is the opposite of the active state.
+  auto idle = [&](const std::string& i1, const std::string& i2) -> testkit::Files {
+    return {{out1, "token=IO_Output1\nIdleState=" + i1 + "\nN=0\n"}, {out2, "token=IO_Output2\nIdleState=" + i2 + "\n"}};
+  };
+  const Slot o1 = Slot::ONVIF_OUTPUT1_ACTIVE_STATE, o2 = Slot::ONVIF_OUTPUT2_ACTIVE_STATE;
   const std::string net = "/etc/sysconfig/network.conf", clink = "/etc/sysconfig/clink.conf", v6 = "root.Network.IPv6.Enabled=";
   const std::string path = "root.Network.ONVIF.DeviceIO.Path=/onvif/", sd = "root.CLink.Onvif.Notification.SD.Interval=";
   const Slot ipv6 = Slot::ONVIF_IPV6_STATUS, io = Slot::PATH_DEVICE_IO, interval = Slot::SD_CARD_EVENT_INTERVAL;
@@ -120,8 +108,14 @@ TEST(Device, SlotSettingsAndSmartCompression) {
   const std::string rate = "/etc/sysconfig/image_ratecontrol.conf", s1 = "Stream1_DynamicGOP_", s2 = "Stream2_DynamicGOP_";
   auto said = [](int seconds) { return "[PKW] Update Send SD CARD EVENT INTERVAL is " + std::to_string(seconds) + " seconds\n"; };
   Camera cam;
-  cam.startServer({{ipv6, 7}, {io, 7}, {interval, 7}});
+  cam.startServer({{ipv6, 7}, {io, 7}, {interval, 7}, {Slot::ONVIF_IO_TYPE, 1}});
   testkit::runCases(cam, {
+      {"12", {{o1, 7}, {o2, 7}}, outputs("closed", "open"), idle("open", "closed"), {{o1, 0}, {o2, 1}}, {gone}},
+      {"12", {{o1, 7}, {o2, 7}}, outputs("open", "closed"), idle("closed", "open"), {{o1, 1}, {o2, 0}}, {gone}},
+      {"12", {{o1, 7}, {o2, 7}}, outputs("Closed", ""), idle("x", "x"), {{o1, 7}, {o2, 7}}, {gone}},
+      // I/O type 5 reads IOPTZ.conf but names IO.conf when it is missing.
+      {"12", {{Slot::ONVIF_IO_TYPE, 5}}, {{list + "PTZ.conf", {}}}, {}, {}, {log + list + ".conf missing"}},
+      {"12", {{Slot::ONVIF_IO_TYPE, 3}}, {}, {}, {}, {log + list + "PTZ.conf missing"}},
       {"20", {}, {{net, v6 + "yes\n" + v6 + "no"}}, {}, {{ipv6, 2}}},
       {"20", {}, {{net, v6 + "YES"}}, {}, {{ipv6, 3}}},
       {"20", {{ipv6, 7}}, {{net, "a=b"}}, {}, {{ipv6, 7}}},

@@ -67,6 +67,13 @@ struct WebAccount {
   void parse(const char* line) { conf::scan(line, "%[^:]:%s\n", name, value); }
 };
 
+// The fields both web files are read into: one name, and the mask and the
+// password apart, so a password line that does not parse never hands a mask
+// on as a password.
+struct WebFields {
+  Field<32> name, mask, password;
+};
+
 std::string accountLine(const std::string& name, const std::string& level, const std::string& password) {
   return name + ":" + level + ":" + password + "\n";
 }
@@ -99,16 +106,16 @@ using AccountPass = int (*)(int, const char*, const char*, const char*, shm::Shm
 int syncAccounts(const char* routine, AccountPass pass, shm::ShmBlock& block) {
   conf::shellCopy(kUsers, kWorkingCopy);
   const std::string missing = std::string(routine) + ":%s missing";
-  WebAccount w;
+  WebFields w;
   if (!conf::forEachLine(kWebPrivacy, [&](const char* line) {
-        w.parse(line);
-        pass(1, w.name.c_str(), w.value.c_str(), "", block);
+        conf::scan(line, "%[^:]:%s\n", w.name, w.mask);
+        pass(1, w.name.c_str(), w.mask.c_str(), "", block);
         return true;
       }))
     conf::logError(missing.c_str(), kWebPrivacy);
   if (!conf::forEachLine(kWebPass, [&](const char* line) {
-        w.parse(line);
-        pass(2, w.name.c_str(), "", w.value.c_str(), block);
+        conf::scan(line, "%[^:]:%s\n", w.name, w.password);
+        pass(2, w.name.c_str(), "", w.password.c_str(), block);
         return true;
       }))
     conf::logError(missing.c_str(), kWebPass);
