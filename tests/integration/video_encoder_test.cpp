@@ -146,15 +146,18 @@ TEST(VideoAppearance, PerCodecAndTwoEncoderPaths) {
 }
 
 // A missing file is one error-log line; a missing list or record ends an
-// encoder walk before VideoEncoder3 (third: its record stays as it was).
+// encoder walk before VideoEncoder3 (third: its record stays as it was), and a
+// missing record leaves the routine's temporary file empty (temp).
 TEST(VideoSync, MissingFiles) {
-  struct Case { int device, brand; const char *cmd, *remove; std::vector<std::string> log; bool third; } cases[] = {
+  struct Case { int device, brand; const char *cmd, *remove; std::vector<std::string> log; bool third; const char* temp = ""; } cases[] = {
       {6, 0, "2", kApp, {"[Update_Imapge_Appearance]SYSTEM_IMAGE_APP_CONFIG missing"}, false},
       {6, 0, "2", "/usr/apache/htdocs/onvif/VideoEncoder.conf", {"[Update_Imapge_Appearance]ONVIF_VIDEO_ENCODER_CONF missing"}, true},
       {6, 0, "2", "/tmp/onvif/VideoEncoder2.VEncoder", {"[Update_Imapge_Appearance]ONVIF_VIDEO_ENCODER_X missing"}, true},
-      {1, 12, "2", "/tmp/onvif/VideoEncoder1.VEncoder", {"[Update_Imapge_Appearance]ONVIF_VIDEO_ENCODER_1 missing"}, true},
+      {1, 0, "2", "/tmp/onvif/VideoEncoder2.VEncoder", {"[Update_Imapge_Appearance]ONVIF_VIDEO_ENCODER_X missing"}, true, "WS_Update_Imapge_Appearance"},
+      {1, 12, "2", "/tmp/onvif/VideoEncoder1.VEncoder", {"[Update_Imapge_Appearance]ONVIF_VIDEO_ENCODER_1 missing"}, true, "WS_Update_Imapge_Appearance"},
       {6, 0, "5", "/etc/sysconfig/framerate.conf", {"Update_framerate:/etc/sysconfig/framerate.conf missing"}, false},
       {6, 0, "5", "/tmp/onvif/VideoEncoder2.VEncoder", {"onvifServer:[Update_framerate]ONVIF_VIDEO_ENCODER_X missing"}, true},
+      {1, 0, "5", "/tmp/onvif/VideoEncoder2.VEncoder", {"onvifServer:[Update_framerate]ONVIF_VIDEO_ENCODER_X missing"}, true, "WS_Update_framerate"},
       {1, 0, "6", "/usr/apache/htdocs/onvif/VideoEncoder.conf", {"onvifServer:[Update_frameskip]ONVIF_VIDEO_ENCODER_CONF missing"}, true},
       {6, 0, "15", kApp, {"[Update_H264Profile]/etc/sysconfig/image_appearance.conf missing"}, false},
       {6, 0, "19", kApp, {"[Update_EncodingPriority]/etc/sysconfig/image_appearance.conf missing"}, true},
@@ -170,11 +173,15 @@ TEST(VideoSync, MissingFiles) {
     Camera cam;
     cam.startServer({{Slot::ONVIF_DEVICE, c.device}, {Slot::ONVIF_BRAND, c.brand}, {Slot::ONVIF_MULTIPLE_STREAM, 8}});
     setKey(cam, kApp, "root.Image.I0.Appearance.Resolution", "disable,1080p,720p,disable,disable");
-    const std::string third = cam.read(encoderPath(3));
+    const std::string third = cam.read(encoderPath(3)), temp = std::string("/tmp/onvif/tmp/") + c.temp;
     cam.remove(c.remove);
+    if (*c.temp) cam.write(temp, "stale\n");
     cam.run({"-u", c.cmd});
     EXPECT_EQ(cam.errorLog(), c.log) << c.remove;
     EXPECT_EQ(cam.read(encoderPath(3)) == third, c.third) << c.cmd << " " << c.remove;
+    if (*c.temp) {
+      EXPECT_EQ(cam.read(temp), "") << c.cmd << " " << c.remove;
+    }
   }
 }
 
