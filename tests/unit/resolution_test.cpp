@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "sync/video/appearance.h"
-#include "sync/video/limits.h"
 #include "sync/video/resolution.h"
 
 using namespace onvif;
@@ -89,14 +88,6 @@ TEST(VideoTables, JpegQuality) {
   std::vector<int> qualities;
   for (int q : {0, 1, 35, 50, 70}) qualities.push_back(JpegQuality(q));
   EXPECT_EQ(qualities, (std::vector<int>{1, 2, 50, 72, 100}));
-}
-
-TEST(VideoTables, AvailableListSplitting) {
-  using V = std::vector<std::string>;
-  EXPECT_EQ(SplitAvailableResolutions("a"), V{"a"});
-  EXPECT_EQ(SplitAvailableResolutions("a&b"), V{"a"});
-  EXPECT_EQ(SplitAvailableResolutions("a&b&c"), (V{"a", "b", "c"}));
-  EXPECT_EQ(SplitAvailableResolutions("a&b&c&d"), (V{"a", "b", "c", "d"}));
 }
 
 }  // namespace
