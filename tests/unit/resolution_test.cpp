@@ -70,7 +70,6 @@ TEST(Resolution, EveryExplicitSize) {
 TEST(Resolution, LegacyIndexComparesWholeNames) {
   const char* names[] = {"disable", "qcif", "cif", "qvga", "vga", "d1", "svga",
                          "xga", "720p", "quadvga", "sxga", "1080p", "3m", "5m"};
-  Block b(9);
   for (int i = 0; i < 14; ++i) {
     LegacyResolution r = GetLegacyResolutionIndex(names[i], 0);
     EXPECT_TRUE(r.known);
