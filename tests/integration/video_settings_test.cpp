@@ -19,52 +19,53 @@ const char* const kImageSource = "/etc/sysconfig/image_source.conf";
 const char* const kOptions = "/tmp/options.conf";
 const char* const kAvailable = "/tmp/onvif/available_resolution";
 
+// The sensor file read by -u 3 (imaging) and -u 10 (PTZ image flip).
 TEST(VideoImaging, ScalesModesAndSlotsPerDeviceType) {
   struct Case {
     int device, io, brand, marker;  // marker: the value of slots 36 and 45 to 48
     const char* settings;           // sensor keys, blank-separated
     const char* ir;
     const char* lines;  // lines of the video source, blank-separated
-    int exposureSlot, whiteBalanceSlot;
+    int exposureSlot, whiteBalanceSlot, flip;
   } cases[] = {
       {1, 1, 0, 0,
        "WhiteBalance=manual WhiteBalance.Rgain=255 WhiteBalance.Bgain=127 Backlight=on Brightness=128 "
-       "Sharpness=15 Contrast=255 ColorLevel=0 Wdr=3 ICR=on Exposure=manual Exposure.ManualPreset.AGCGain=50",
+       "Sharpness=15 Contrast=255 ColorLevel=0 Wdr=3 ICR=on Exposure=manual Exposure.ManualPreset.AGCGain=50 Flip=Image",
        "root.IR.Mode=lightoff\n",
        "BacklightCompensation.Mode=ON Brightness=50.2 ColorSaturation=0.0 Contrast=100.0 Sharpness=100.0 "
        "WideDynamicRange.Mode=ON WideDynamicRange.Level=3.0 WhiteBalance.Mode=MANUAL WhiteBalance.CrGain=200.8 "
        "WhiteBalance.CbGain=100.0 IrCutFilter=OFF Exposure.Mode=MANUAL PreviousAE.Mode=NONE Exposure.Gain=25.0",
-       3, 3},
+       3, 3, 1},
       {2, 3, 0, 0,
        "WhiteBalance=manual25 WhiteBalance.Rgain=255 Backlight=off Brightness=63 Sharpness=8 Contrast=128 "
-       "ColorLevel=255 Wdr=on ICR=off Exposure=auto Exposure.ManualPreset.AGCGain=0",
+       "ColorLevel=255 Wdr=on ICR=off Exposure=auto Exposure.ManualPreset.AGCGain=0 Flip=image",
        "root.IR.Mode=auto\n",
        "BacklightCompensation.Mode=OFF Brightness=100.0 ColorSaturation=100.0 Contrast=50.2 Sharpness=3.1 "
        "WideDynamicRange.Mode=ON WideDynamicRange.Level=1.0 WhiteBalance.Mode=MANUAL WhiteBalance.CrGain=50.0 "
        "IrCutFilter=ON Exposure.Mode=AUTO PreviousAE.Mode=auto Exposure.Gain=0.0",
-       2, 3},
+       2, 3, 0},
       {4, 3, 42, 0,
-       "WhiteBalance=ATW Backlight=dim Brightness=10 Sharpness=8 Contrast=10 ColorLevel=10 Wdr=3 ICR=smart "
-       "Exposure=shutter Exposure.ManualPreset.AGCGain=10",
+       "Flip=Image WhiteBalance=ATW Backlight=dim Brightness=10 Sharpness=8 Contrast=10 ColorLevel=10 Wdr=3 ICR=smart "
+       "Exposure=shutter Exposure.ManualPreset.AGCGain=10 Flip=None",
        "",
        "BacklightCompensation.Mode=OFF Brightness=50.2 ColorSaturation=50.2 Contrast=50.2 Sharpness=50.0 "
        "WideDynamicRange.Mode=OFF WideDynamicRange.Level=1.0 WhiteBalance.Mode=AUTO IrCutFilter=AUTO "
        "Exposure.Mode=AUTO PreviousAE.Mode=shutter Exposure.Gain=9.0",
-       2, 2},
+       2, 2, 1},
       {1, 2, 0, -1,
        "WhiteBalance=manual WhiteBalance.Rgain=255 Brightness=10 ICR=off Exposure=manualpreset "
        "Exposure.ManualPreset.AGCGain=50 Wdr=7",
        "root.IR.Mode=on\n",
        "Brightness=NONE ColorSaturation=NONE Contrast=NONE Sharpness=NONE WideDynamicRange.Mode=OFF "
        "WhiteBalance.Mode=MANUAL WhiteBalance.CrGain=100.0 IrCutFilter=OFF Exposure.Mode=MANUAL Exposure.Gain=0.0",
-       3, 3},
+       3, 3, 0},
   };
   for (const Case& c : cases) {
     Camera cam;
     cam.startServer({{Slot::ONVIF_DEVICE, c.device}, {Slot::ONVIF_IO_TYPE, c.io}, {Slot::ONVIF_BRAND, c.brand},
                      {Slot::IMAGE_EXPOSURE_GAIN_MAX, 200}, {Slot::IMAGE_EXPOSURE_MODE, c.marker},
                      {Slot::IMAGE_BRIGHTNESS, c.marker}, {Slot::IMAGE_SHARPNESS, c.marker},
-                     {Slot::IMAGE_CONTRAST, c.marker}, {Slot::IMAGE_COLORLEVEL, c.marker}});
+                     {Slot::IMAGE_CONTRAST, c.marker}, {Slot::IMAGE_COLORLEVEL, c.marker}, {Slot::ONVIF_IMAGE_FLIP, 5}});
     std::istringstream settings(c.settings), expected(c.lines);
     std::string text, word;
     while (settings >> word) text += "root.ImageSource.I0.Sensor." + word + "\n";
@@ -76,16 +77,17 @@ TEST(VideoImaging, ScalesModesAndSlotsPerDeviceType) {
     EXPECT_EQ(lines.size(), 25u);
     EXPECT_EQ(cam.slot(Slot::IMAGE_EXPOSURE_MODE), c.exposureSlot);
     EXPECT_EQ(cam.slot(Slot::IMAGE_WBC_MODE), c.whiteBalanceSlot);
+    cam.run({"-u", "10"});  // "Image" exactly, on the first Flip line
+    EXPECT_EQ(cam.slot(Slot::ONVIF_IMAGE_FLIP), c.flip);
     EXPECT_TRUE(cam.errorLog().empty());
   }
 }
 
 TEST(VideoOrientation, RotationTable) {
   struct Case { const char* word; int code; const char* mode; const char* degree; } cases[] = {
-      {"clockwise", 3, "ON", "90"},       {"rotate", 4, "ON", "180"},           {"flip", 1, "OFF", "180"},
-      {"mirror", 2, "OFF", "180"},        {"counterclockwise", 5, "ON", "270"}, {"clockwise_mirror", 6, "ON", "90"},
-      {"clockwise_flip", 7, "ON", "270"}, {"0", 0, "ON", "0"},                 {"clockwise", 3, "ON", "90"},
-      {"upside_down", 0, "ON", "0"},
+      {"clockwise", 3, "ON", "90"},        {"0", 0, "ON", "0"},               {"rotate", 4, "ON", "180"},
+      {"flip", 1, "OFF", "180"},           {"mirror", 2, "OFF", "180"},       {"counterclockwise", 5, "ON", "270"},
+      {"clockwise_mirror", 6, "ON", "90"}, {"clockwise_flip", 7, "ON", "270"}, {"upside_down", 0, "ON", "0"},
   };
   Camera cam;
   cam.startServer();
@@ -102,21 +104,6 @@ TEST(VideoOrientation, RotationTable) {
   cam.run({"-u", "7"});
   EXPECT_EQ(cam.slot(Slot::ONVIF_ROTATE_MODE), 5);
   EXPECT_TRUE(hasLine(cam.lines(kVSConf), "RotateDegree=270"));
-}
-
-TEST(VideoOrientation, PtzImageFlip) {
-  struct Case { const char* file; int slot; } cases[] = {
-      {"root.ImageSource.I0.Sensor.Flip=Image\n", 1}, {"root.ImageSource.I0.Sensor.Flip=image\n", 0},
-      {"root.ImageSource.I0.Sensor.Flip=Image\nroot.ImageSource.I0.Sensor.Flip=None\n", 1},
-      {"root.ImageSource.I0.Sensor.Mirror=on\n", 0}};
-  Camera cam;
-  cam.startServer();
-  for (const Case& c : cases) {
-    cam.setSlot(Slot::ONVIF_IMAGE_FLIP, 5);
-    cam.write(kImageSource, c.file);
-    cam.run({"-u", "10"});
-    EXPECT_EQ(cam.slot(Slot::ONVIF_IMAGE_FLIP), c.slot) << c.file;
-  }
 }
 
 // options.conf with a resolution list, a frame-rate ceiling and, per H.264
@@ -178,16 +165,11 @@ TEST(VideoLimits, NothingToSync) {
   cam.write(kOptions, options("", 0));
   EXPECT_EQ(cam.run({"-u", "13"}).out, "");
   EXPECT_EQ(ceilings(cam, "H264", "BitrateRange FrameRateRange"), "8000 30");
-  cam.remove(kOptions);
-  cam.run({"-u", "13"});
   cam.write(kOptions, options("720p,disable,disable,disable,disable", 30));
   cam.write(kAvailable + std::string("/blocked"), "");  // a folder where the list goes: the write fails
   cam.run({"-u", "13"});
   EXPECT_EQ(ceilings(cam, "H264", "BitrateRange"), "6000");
   EXPECT_EQ(cam.errorLog(), (std::vector<std::string>{
-                                "Update_AvailableResolutionTable:available_resolution is NULL!!!",
-                                "Update_FPS_GOV_BITRATE can't sync Max FPS/GOV/Bitrate.",
-                                "Update_AvailableResolutionTable:/tmp/options.conf missing.",
                                 "Update_AvailableResolutionTable:available_resolution is NULL!!!",
                                 "Update_FPS_GOV_BITRATE can't sync Max FPS/GOV/Bitrate.",
                                 "Update_AvailableResolutionTable:/tmp/onvif/available_resolution write failed"}));

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "sync/video/appearance.h"
-#include "sync/video/limits.h"
 #include "sync/video/resolution.h"
 
 using namespace onvif;
@@ -71,7 +70,6 @@ TEST(Resolution, EveryExplicitSize) {
 TEST(Resolution, LegacyIndexComparesWholeNames) {
   const char* names[] = {"disable", "qcif", "cif", "qvga", "vga", "d1", "svga",
                          "xga", "720p", "quadvga", "sxga", "1080p", "3m", "5m"};
-  Block b(9);
   for (int i = 0; i < 14; ++i) {
     LegacyResolution r = GetLegacyResolutionIndex(names[i], 0);
     EXPECT_TRUE(r.known);
@@ -89,14 +87,6 @@ TEST(VideoTables, JpegQuality) {
   std::vector<int> qualities;
   for (int q : {0, 1, 35, 50, 70}) qualities.push_back(JpegQuality(q));
   EXPECT_EQ(qualities, (std::vector<int>{1, 2, 50, 72, 100}));
-}
-
-TEST(VideoTables, AvailableListSplitting) {
-  using V = std::vector<std::string>;
-  EXPECT_EQ(SplitAvailableResolutions("a"), V{"a"});
-  EXPECT_EQ(SplitAvailableResolutions("a&b"), V{"a"});
-  EXPECT_EQ(SplitAvailableResolutions("a&b&c"), (V{"a", "b", "c"}));
-  EXPECT_EQ(SplitAvailableResolutions("a&b&c&d"), (V{"a", "b", "c", "d"}));
 }
 
 }  // namespace

@@ -298,8 +298,8 @@ int perCodecPath(int videoType, int device, shm::ShmBlock& block) {
   int shell = 0;
   bool listed = forEachEncoder(0, false, [&](const std::string& name, int) {
     EncoderFacts facts;
-    if (!readEncoderFacts(name, facts)) {
-      shell = conf::logError(kEncoderMissing);
+    if (!readEncoderFacts(name, facts)) {  // reported by the rewrite, which empties the temporary file
+      shell = rewriteEncoder(kRoutine, name, kEncoderMissing, {}).shell;
       return false;
     }
     std::vector<StreamValues> passes;
@@ -336,7 +336,8 @@ int twoEncoderPath(int videoType, int device, shm::ShmBlock& block) {
   for (int k = 1; k <= 2; ++k) {
     std::string missing = "[Update_Imapge_Appearance]ONVIF_VIDEO_ENCODER_" + std::to_string(k) + " missing";
     EncoderFacts facts;
-    if (names[k].empty() || !readEncoderFacts(names[k], facts)) return conf::logError(missing);
+    if (names[k].empty()) return conf::logError(missing);
+    if (!readEncoderFacts(names[k], facts)) return rewriteEncoder(kRoutine, names[k], missing, {}).shell;
     std::vector<conf::Rule> rules;
     const char* codec = facts.encoding.c_str();
     if (static_cast<std::size_t>(k) <= enabled.size()) {

@@ -36,7 +36,7 @@ struct EncoderFacts {
 bool readEncoderFacts(const std::string& name, EncoderFacts& facts);
 
 // Rewrites the record in place through the routine's temporary file; a
-// missing record logs `missing` (no path in it).
+// missing record logs `missing` (its "%s", if any, is the record's path).
 conf::Result rewriteEncoder(const std::string& routine, const std::string& name, const std::string& missing,
                             const std::vector<conf::Rule>& rules);
 

@@ -64,17 +64,16 @@ std::vector<int> codecPasses(const EncoderFacts& facts, int jpeg, int h264, int 
 int walkByCodec(const std::string& routine, int maxK, const std::vector<std::string>& rates,
                 const std::function<std::vector<int>(const EncoderFacts&)>& passesOf) {
   const std::string tag = "onvifServer:[" + routine + "]";
+  const std::string missing = tag + "ONVIF_VIDEO_ENCODER_X missing";
   int shell = 0;
   bool listed = forEachEncoder(maxK, true, [&](const std::string& name, int) {
     EncoderFacts facts;
-    if (!readEncoderFacts(name, facts)) {
-      shell = conf::logError(tag + "ONVIF_VIDEO_ENCODER_X missing");
+    if (!readEncoderFacts(name, facts)) {  // reported by the rewrite, which empties the temporary file
+      shell = rewriteEncoder(routine, name, missing, {}).shell;
       return false;
     }
     for (int stream : passesOf(facts))
-      shell = rewriteEncoder(routine, name, tag + "ONVIF_VIDEO_ENCODER_X missing",
-                             {conf::set("FrameRateLimit=", rates[stream])})
-                  .shell;
+      shell = rewriteEncoder(routine, name, missing, {conf::set("FrameRateLimit=", rates[stream])}).shell;
     return true;
   });
   return listed ? shell : conf::logError(tag + "ONVIF_VIDEO_ENCODER_CONF missing");

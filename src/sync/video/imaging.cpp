@@ -82,6 +82,13 @@ const ScaleRule kScales[] = {
     {"Sharpness=", Slot::IMAGE_SHARPNESS, &Sensor::sharpness, {false, 0, 255}, {false, 1, 14}, {false, 0, 15}},
 };
 
+// The white-balance gains, written in manual white balance only.
+struct GainRule {
+  const char* key;
+  Field<32> Sensor::*value;
+};
+const GainRule kGains[] = {{"WhiteBalance.CrGain=", &Sensor::rgain}, {"WhiteBalance.CbGain=", &Sensor::bgain}};
+
 // White-balance words per device type.
 struct WhiteBalanceRow {
   int device;  // 0: every other device type
@@ -191,11 +198,10 @@ int Update_Imapge_Source(int, int device, int ioType, shm::ShmBlock& block) {
     }
     return Out::keep();
   }));
-  for (auto [key, gain] : {std::pair<const char*, const Field<32>*>{"WhiteBalance.CrGain=", &s.rgain},
-                           std::pair<const char*, const Field<32>*>{"WhiteBalance.CbGain=", &s.bgain}}) {
-    rules.push_back(conf::rule(key, [&, key, gain](const char*) {
+  for (const GainRule& g : kGains) {
+    rules.push_back(conf::rule(g.key, [&, g](const char*) {
       if (device == 2 || !s.whiteBalance.is("manual")) return Out::keep();
-      return Out::write(key + ScaledSetting(textNumber(gain->c_str()), gainDivisor) + "\n");
+      return Out::write(g.key + ScaledSetting(textNumber((s.*g.value).c_str()), gainDivisor) + "\n");
     }));
   }
   rules.push_back(conf::rule("IrCutFilter=", [&](const char*) {
