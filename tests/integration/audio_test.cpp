@@ -78,7 +78,6 @@ TEST(Audio, CurrentPathProfilesBackChannelAndCounts) {
       {7, 0, 0, "half", "x", "01111", "x x AudioOutput1 AudioDecoder1", 2, 1},
       {8, 0, 0, "full", "x", "11110", "x x AudioOutput1 AudioDecoder1", 2, 1},
       {4, 0, 0, "full", "x", nullptr, "x x AudioOutput1 AudioDecoder1", 2, 1},
-      {9, 0, 0, "full", "x", nullptr, "x x AudioOutput1 AudioDecoder1", 2, 1},
       {8, 44, 7, "disable", "disabled", "00000", "NONE NONE NONE NONE", 0, 0},
       {4, 44, 6, "disable", "disable", "00000", "x x NONE NONE", 0, 0},
   };

@@ -35,7 +35,6 @@ TEST(Multicast, PlatformsBranchesAndVariants) {
     const char* log = nullptr;
     const char *path = nullptr, *content = nullptr;  // a file changed before the run (content nullptr: removed)
   } cases[] = {
-      {6, 0, 8, "0000", "ha1 hp1 t|ha2 hp2 t|ha3 hp3 t|ma mp t|aa ap t|-|-|-", 1},
       {6, 0, 5, "0000", "ha1 hp1 t|ha2 hp2 t|ha3 hp3 t|-|aa ap t|-|-|-", 1},
       {6, 0, 4, "0000", "-|-|-|-|aa ap t|-|-|-", 1, "Update_Multicast ONVIF_MULTIPLE_STREAM ERROR!"},
       // Brand 28: the fourth TTL key is never found, so that TTL is written empty.
