@@ -16,6 +16,7 @@
 #include <string>
 #include <vector>
 
+#include "host_shm.h"
 #include "shm/block.h"
 #include "shm/segments.h"
 #include "shm/slots.h"
@@ -85,7 +86,7 @@ int setSlots(shm::ShmBlock& block, const std::vector<std::string>& pairs) {
 }
 
 std::optional<shm::ShmBlock> attach() {
-  std::optional<shm::ShmBlock> block = shm::attachServerBlock();
+  std::optional<shm::ShmBlock> block = host::attachServerBlock();
   if (!block) fail("no server block (run 'onvif-shm create' first)");
   return block;
 }
@@ -137,11 +138,11 @@ int auxCommand(const std::string& cmd, const std::vector<std::string>& args) {
   if (cmd == "seg-create") {
     if (a->path == nullptr) return fail("use stream-create for the streaming server segment");
     std::string error;
-    return shm::createCameraSegment(a->path, a->size, &error) ? 0 : fail(error);
+    return host::createCameraSegment(a->path, a->size, &error) ? 0 : fail(error);
   }
   if (cmd == "seg-remove") {
     if (a->path == nullptr) return fail("use stream-remove for the streaming server segment");
-    return shm::removeCameraSegment(a->path) ? 0 : fail("no " + args[0] + " segment");
+    return host::removeCameraSegment(a->path) ? 0 : fail("no " + args[0] + " segment");
   }
   if (args.size() != 3) return usage();
   std::int32_t index = 0;
@@ -168,7 +169,7 @@ int main(int argc, char** argv) {
 
   if (cmd == "create") {
     std::string error;
-    if (!shm::createServerBlock(&error)) return fail(error);
+    if (!host::createServerBlock(&error)) return fail(error);
     std::optional<shm::ShmBlock> block = attach();
     return block ? setSlots(*block, args) : 1;
   }
@@ -194,23 +195,23 @@ int main(int argc, char** argv) {
     if (!block) return 1;
     return dump(*block, !args.empty() && args[0] == "--all");
   }
-  if (cmd == "remove") return shm::removeServerBlock() ? 0 : fail("no server block to remove");
+  if (cmd == "remove") return host::removeServerBlock() ? 0 : fail("no server block to remove");
 
   if (cmd == "tz-create") {
     if (args.size() != 1) return usage();
     std::size_t room = shm::kTimeZoneSize - shm::kTimeZoneTextOffset;
     if (args[0].size() >= room) return fail("time-zone text too long");
-    if (!shm::createSegment(shm::kTimeZoneKey, shm::kTimeZoneSize))
+    if (!host::createSegment(shm::kTimeZoneKey, shm::kTimeZoneSize))
       return fail(std::string("cannot create the time-zone segment: ") + std::strerror(errno));
     shm::Segment seg = attachFixed(shm::kTimeZoneKey, shm::kTimeZoneSize);
     if (!seg) return fail("cannot attach the time-zone segment");
     std::memcpy(seg.bytes + shm::kTimeZoneTextOffset, args[0].c_str(), args[0].size() + 1);
     return 0;
   }
-  if (cmd == "tz-remove") return shm::removeSegment(shm::kTimeZoneKey) ? 0 : fail("no time-zone segment");
+  if (cmd == "tz-remove") return host::removeSegment(shm::kTimeZoneKey) ? 0 : fail("no time-zone segment");
 
   if (cmd == "stream-create") {
-    if (!shm::createSegment(shm::kStreamServerKey, shm::kStreamServerSize))
+    if (!host::createSegment(shm::kStreamServerKey, shm::kStreamServerSize))
       return fail(std::string("cannot create the streaming server segment: ") + std::strerror(errno));
     return 0;
   }
@@ -221,7 +222,7 @@ int main(int argc, char** argv) {
     return 0;
   }
   if (cmd == "stream-remove")
-    return shm::removeSegment(shm::kStreamServerKey) ? 0 : fail("no streaming server segment");
+    return host::removeSegment(shm::kStreamServerKey) ? 0 : fail("no streaming server segment");
 
   if (cmd == "seg-create" || cmd == "seg-set" || cmd == "seg-remove") return auxCommand(cmd, args);
 

@@ -1,5 +1,5 @@
 // The other System V segments the tool reads or writes besides the server
-// block, and the helpers that create them on a host (onvif-shm, tests).
+// block. Creating and removing them is the server's part (tools/host_shm.h).
 #pragma once
 
 #include <sys/types.h>
@@ -59,29 +59,5 @@ key_t cameraKey(const std::string& cameraPath, int projectId);
 // findSegment for the key of a camera path (project id 0); a path without a
 // key fails with LookupError::Key.
 Segment findCameraSegment(const std::string& cameraPath, std::size_t size, LookupError* error);
-
-// Host-side helpers (the server's part): create a segment with 0666, failing
-// when it exists already; remove one; both return false on failure.
-bool createSegment(key_t key, std::size_t size);
-bool removeSegment(key_t key);
-
-}  // namespace shm
-
-#include <optional>
-
-#include "shm/block.h"
-
-namespace shm {
-
-// The server's side of its block, for hosts: creates "/tmp/ONVIF_SHM/onvif"
-// (under ONVIFCTRL_ROOT) when missing and the 4000-byte segment of its key.
-// Fails when the segment exists already.
-bool createServerBlock(std::string* error);
-// The same for any segment keyed by a camera path (project id 0), zero-filled.
-bool createCameraSegment(const std::string& cameraPath, std::size_t size, std::string* error);
-bool removeCameraSegment(const std::string& cameraPath);
-// Attaches an existing server block without printing anything.
-std::optional<ShmBlock> attachServerBlock();
-bool removeServerBlock();
 
 }  // namespace shm
