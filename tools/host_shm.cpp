@@ -62,7 +62,8 @@ bool removeCameraSegment(const std::string& cameraPath) {
 }
 
 bool createServerBlock(std::string* error) {
-  return createCameraSegment(shm::kServerShmPath, shm::kServerSlotCount * sizeof(std::int32_t), error);
+  constexpr std::size_t kSize = shm::kServerSlotCount * sizeof(std::int32_t);
+  return createCameraSegment(shm::kServerShmPath, kSize, error);
 }
 
 bool removeServerBlock() { return removeCameraSegment(shm::kServerShmPath); }

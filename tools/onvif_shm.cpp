@@ -110,39 +110,25 @@ shm::Segment attachFixed(key_t key, std::size_t size) {
   return shm::findSegment(key, size, nullptr);
 }
 
-// The segments seg-* works on; `path` nullptr means the fixed key 3745.
-struct AuxSegment {
-  const char* name;
-  const char* path;
-  std::size_t size;
-  std::size_t unit;  // what seg-set's INDEX counts: 4 (slots) or 1 (bytes)
-};
-
-const AuxSegment kAuxSegments[] = {
-    {"va", shm::kVideoAnalyticsShmPath, shm::kVideoAnalyticsShmSize, 4},
-    {"record", shm::kRecordingShmPath, shm::kRecordingShmSize, 1},
-    {"wearable", shm::kWearableHubShmPath, shm::kWearableHubShmSize, 4},
-    {"stream", nullptr, shm::kStreamServerSize, 1},
-};
-
-const AuxSegment* auxSegment(const std::string& name) {
-  for (const AuxSegment& a : kAuxSegments)
-    if (name == a.name) return &a;
+// The auxiliary segment onvif-shm calls `tag`, or nullptr.
+const shm::AuxSegment* auxSegment(const std::string& tag) {
+  for (const shm::AuxSegment& a : shm::kAuxSegments)
+    if (tag == a.tag) return &a;
   return nullptr;
 }
 
 int auxCommand(const std::string& cmd, const std::vector<std::string>& args) {
   if (args.empty()) return usage();
-  const AuxSegment* a = auxSegment(args[0]);
+  const shm::AuxSegment* a = auxSegment(args[0]);
   if (a == nullptr) return fail("unknown segment '" + args[0] + "'");
   if (cmd == "seg-create") {
-    if (a->path == nullptr) return fail("use stream-create for the streaming server segment");
+    if (a->cameraPath == nullptr) return fail("use stream-create for the streaming server segment");
     std::string error;
-    return host::createCameraSegment(a->path, a->size, &error) ? 0 : fail(error);
+    return host::createCameraSegment(a->cameraPath, a->size, &error) ? 0 : fail(error);
   }
   if (cmd == "seg-remove") {
-    if (a->path == nullptr) return fail("use stream-remove for the streaming server segment");
-    return host::removeCameraSegment(a->path) ? 0 : fail("no " + args[0] + " segment");
+    if (a->cameraPath == nullptr) return fail("use stream-remove for the streaming server segment");
+    return host::removeCameraSegment(a->cameraPath) ? 0 : fail("no " + args[0] + " segment");
   }
   if (args.size() != 3) return usage();
   std::int32_t index = 0;
@@ -150,8 +136,7 @@ int auxCommand(const std::string& cmd, const std::vector<std::string>& args) {
   if (!parseValue(args[1], index) || index < 0 || static_cast<std::size_t>(index) >= a->size / a->unit)
     return fail("bad index '" + args[1] + "'");
   if (!parseValue(args[2], value)) return fail("bad value '" + args[2] + "'");
-  shm::Segment seg = a->path != nullptr ? shm::findCameraSegment(a->path, a->size, nullptr)
-                                        : attachFixed(shm::kStreamServerKey, a->size);
+  shm::Segment seg = shm::findAuxSegment(*a, nullptr);
   if (!seg) return fail("no " + args[0] + " segment");
   if (a->unit == 1)
     seg.bytes[index] = static_cast<std::uint8_t>(value);

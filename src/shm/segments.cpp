@@ -29,13 +29,13 @@ key_t cameraKey(const std::string& cameraPath, int projectId) {
   return ftok(conf::hostPath(cameraPath).c_str(), projectId);
 }
 
-Segment findCameraSegment(const std::string& cameraPath, std::size_t size, LookupError* error) {
-  key_t key = cameraKey(cameraPath, 0);
+Segment findAuxSegment(const AuxSegment& aux, LookupError* error) {
+  key_t key = aux.cameraPath != nullptr ? cameraKey(aux.cameraPath, 0) : aux.key;
   if (key == -1) {
     if (error) *error = LookupError::Key;
     return Segment{};
   }
-  return findSegment(key, size, error);
+  return findSegment(key, aux.size, error);
 }
 
 }  // namespace shm
