@@ -1,4 +1,4 @@
-#include "cli/segment_dumps.h"
+#include "cli/dumps.h"
 
 #include <cerrno>
 #include <cctype>
