@@ -1,4 +1,4 @@
-#include "cli/segment_dumps.h"
+#include "cli/dumps.h"
 
 #include <cerrno>
 #include <cctype>
@@ -13,19 +13,8 @@ namespace cli {
 
 namespace {
 
-// One segment: how to find it and how to print it.
-struct AuxSegment {
-  const char* name;         // heading and failure lines
-  const char* cameraPath;   // ftok path, or nullptr for a fixed key
-  key_t key;                // the fixed key when cameraPath is nullptr
-  std::size_t size;
-};
-
-const AuxSegment kVideoAnalytics{"Video analytics shm", shm::kVideoAnalyticsShmPath, 0,
-                                 shm::kVideoAnalyticsShmSize};
-const AuxSegment kRecording{"Recording shm", shm::kRecordingShmPath, 0, shm::kRecordingShmSize};
-const AuxSegment kStreamServer{"StreamServer shm", nullptr, shm::kStreamServerKey, shm::kStreamServerSize};
-const AuxSegment kWearableHub{"Wearable hub shm", shm::kWearableHubShmPath, 0, shm::kWearableHubShmSize};
+using shm::Aux;
+using shm::AuxSegment;
 
 const char* stepName(shm::LookupError e) {
   switch (e) {
@@ -38,18 +27,20 @@ const char* stepName(shm::LookupError e) {
   }
 }
 
-shm::Segment attach(const AuxSegment& s) {
+// Attaches the segment and prints its heading ("part" names the part dumped),
+// or prints the failure line.
+shm::Segment openDump(const AuxSegment& s, const std::string& part) {
   shm::LookupError err = shm::LookupError::None;
-  shm::Segment seg = s.cameraPath != nullptr ? shm::findCameraSegment(s.cameraPath, s.size, &err)
-                                             : shm::findSegment(s.key, s.size, &err);
-  if (!seg) std::printf("%s dump: %s error, errno=%d\n", s.name, stepName(err), errno);
-  return seg;
-}
-
-void heading(const AuxSegment& s, const std::string& part) {
-  std::string where = s.cameraPath != nullptr ? std::string(s.cameraPath) : "key " + std::to_string(s.key);
+  shm::Segment seg = shm::findAuxSegment(s, &err);
+  if (!seg) {
+    std::printf("%s dump: %s error, errno=%d\n", s.name, stepName(err), errno);
+    return seg;
+  }
+  std::string where =
+      s.cameraPath != nullptr ? std::string(s.cameraPath) : "key " + std::to_string(s.key);
   std::printf("************ %s (%s, %d bytes)%s ************\n", s.name, where.c_str(),
               static_cast<int>(s.size), part.c_str());
+  return seg;
 }
 
 std::int32_t slotAt(const shm::Segment& seg, std::size_t index) {
@@ -77,34 +68,25 @@ void printBytes(const shm::Segment& seg, const char* const* names) {
   }
 }
 
-void dumpVideoAnalytics() {
-  shm::Segment seg = attach(kVideoAnalytics);
+// A segment printed whole: as slots or bytes, whichever it is made of.
+void dumpWhole(Aux which, const char* const* byteNames) {
+  const AuxSegment& s = shm::auxSegment(which);
+  shm::Segment seg = openDump(s, "");
   if (!seg) return;
-  heading(kVideoAnalytics, "");
-  printSlots(seg, 0, seg.size / sizeof(std::int32_t));
+  if (s.unit == sizeof(std::int32_t))
+    printSlots(seg, 0, seg.size / s.unit);
+  else
+    printBytes(seg, byteNames);
 }
 
-void dumpRecording() {
-  shm::Segment seg = attach(kRecording);
-  if (!seg) return;
-  heading(kRecording, "");
-  printBytes(seg, nullptr);
-}
+const char* const kStreamServerBytes[shm::kStreamServerSize] = {
+    "stream 1 recording", "recording 1 request (1 start, 2 stop)", nullptr, "stream 2 recording"};
 
-void dumpStreamServer() {
-  static const char* const kNames[shm::kStreamServerSize] = {
-      "stream 1 recording", "recording 1 request (1 start, 2 stop)", nullptr, "stream 2 recording"};
-  shm::Segment seg = attach(kStreamServer);
-  if (!seg) return;
-  heading(kStreamServer, "");
-  printBytes(seg, kNames);
-}
+const AuxSegment& wearableHub() { return shm::auxSegment(Aux::WearableHub); }
 
 void dumpWearableHeader() {
-  shm::Segment seg = attach(kWearableHub);
-  if (!seg) return;
-  heading(kWearableHub, ": hub");
-  printSlots(seg, 0, shm::kWearableHeaderSlots);
+  shm::Segment seg = openDump(wearableHub(), ": hub");
+  if (seg) printSlots(seg, 0, shm::kWearableHeaderSlots);
 }
 
 void printWearableEntry(const shm::Segment& seg, std::size_t entry) {
@@ -114,32 +96,30 @@ void printWearableEntry(const shm::Segment& seg, std::size_t entry) {
 }
 
 void dumpWearableEntries() {
-  shm::Segment seg = attach(kWearableHub);
+  shm::Segment seg = openDump(wearableHub(), ": entries");
   if (!seg) return;
-  heading(kWearableHub, ": entries");
   for (std::size_t e = 0; e < shm::kWearableEntries; ++e) printWearableEntry(seg, e);
 }
 
 void dumpWearableEntry(std::size_t entry) {
-  shm::Segment seg = attach(kWearableHub);
-  if (!seg) return;
-  heading(kWearableHub, ": entry " + std::to_string(entry));
-  printWearableEntry(seg, entry);
+  shm::Segment seg = openDump(wearableHub(), ": entry " + std::to_string(entry));
+  if (seg) printWearableEntry(seg, entry);
 }
 
 }  // namespace
 
 bool dumpAuxSegment(int request) {
   constexpr int kFirstEntryDump = 12;
+  constexpr int kLastEntryDump = kFirstEntryDump + static_cast<int>(shm::kWearableEntries) - 1;
   switch (request) {
     case 6:
-      dumpVideoAnalytics();
+      dumpWhole(Aux::VideoAnalytics, nullptr);
       return true;
     case 7:
-      dumpRecording();
+      dumpWhole(Aux::Recording, nullptr);
       return true;
     case 8:
-      dumpStreamServer();
+      dumpWhole(Aux::StreamServer, kStreamServerBytes);
       return true;
     case 10:
       dumpWearableHeader();
@@ -150,7 +130,7 @@ bool dumpAuxSegment(int request) {
     default:
       break;
   }
-  if (request >= kFirstEntryDump && request < kFirstEntryDump + static_cast<int>(shm::kWearableEntries)) {
+  if (request >= kFirstEntryDump && request <= kLastEntryDump) {
     dumpWearableEntry(static_cast<std::size_t>(request - kFirstEntryDump));
     return true;
   }

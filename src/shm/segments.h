@@ -1,5 +1,5 @@
 // The other System V segments the tool reads or writes besides the server
-// block, and the helpers that create them on a host (onvif-shm, tests).
+// block. Creating and removing them is the server's part (tools/host_shm.h).
 #pragma once
 
 #include <sys/types.h>
@@ -26,19 +26,39 @@ inline constexpr std::size_t kStreamRecording2Byte = 3;
 inline constexpr std::uint8_t kRecordStart = 1;
 inline constexpr std::uint8_t kRecordStop = 2;
 
-// The server's auxiliary segments, keyed by ftok of a camera path with project
-// id 0. Their layouts belong to the server; the tool only dumps them.
-inline constexpr const char* kVideoAnalyticsShmPath = "/tmp/ONVIF_VA_SHM/onvif";
-inline constexpr std::size_t kVideoAnalyticsShmSize = 480;
-inline constexpr const char* kRecordingShmPath = "/tmp/ONVIF_SHM/onvifrecord";
-inline constexpr std::size_t kRecordingShmSize = 50;
-// Wearable hub: a header of 16 slots, then 8 entries of 32 slots (32-bit).
-inline constexpr const char* kWearableHubShmPath = "/tmp/ONVIF_SHM/onvifwearable";
+// Wearable hub: a header of 16 slots, then 8 entries of 32 slots.
 inline constexpr std::size_t kWearableHeaderSlots = 16;
 inline constexpr std::size_t kWearableEntries = 8;
 inline constexpr std::size_t kWearableEntrySlots = 32;
-inline constexpr std::size_t kWearableHubShmSize =
-    (kWearableHeaderSlots + kWearableEntries * kWearableEntrySlots) * sizeof(std::int32_t);
+
+// The server's auxiliary segments: the -s dumps print them and onvif-shm
+// makes them on a host. All but the streaming server's are keyed by ftok of a
+// camera path with project id 0. Their layouts belong to the server; the tool
+// reads them as whole 32-bit slots or as bytes.
+struct AuxSegment {
+  const char* tag;          // onvif-shm's name for it
+  const char* name;         // the dump's heading and failure lines
+  const char* cameraPath;   // the ftok path, or nullptr for `key`
+  key_t key;                // the fixed key when cameraPath is nullptr
+  std::size_t size;         // bytes
+  std::size_t unit;         // 4: read as 32-bit slots; 1: as bytes
+};
+
+// The rows of kAuxSegments, in order.
+enum class Aux { VideoAnalytics, Recording, WearableHub, StreamServer };
+
+inline constexpr AuxSegment kAuxSegments[] = {
+    {"va", "Video analytics shm", "/tmp/ONVIF_VA_SHM/onvif", 0, 480, sizeof(std::int32_t)},
+    {"record", "Recording shm", "/tmp/ONVIF_SHM/onvifrecord", 0, 50, 1},
+    {"wearable", "Wearable hub shm", "/tmp/ONVIF_SHM/onvifwearable", 0,
+     (kWearableHeaderSlots + kWearableEntries * kWearableEntrySlots) * sizeof(std::int32_t),
+     sizeof(std::int32_t)},
+    {"stream", "StreamServer shm", nullptr, kStreamServerKey, kStreamServerSize, 1},
+};
+
+constexpr const AuxSegment& auxSegment(Aux which) {
+  return kAuxSegments[static_cast<std::size_t>(which)];
+}
 
 // An attached segment; bytes beyond `size` are never touched.
 struct Segment {
@@ -56,32 +76,8 @@ Segment findSegment(key_t key, std::size_t size, LookupError* error);
 // The ftok key of a camera path (resolved under ONVIFCTRL_ROOT), or -1.
 key_t cameraKey(const std::string& cameraPath, int projectId);
 
-// findSegment for the key of a camera path (project id 0); a path without a
-// key fails with LookupError::Key.
-Segment findCameraSegment(const std::string& cameraPath, std::size_t size, LookupError* error);
-
-// Host-side helpers (the server's part): create a segment with 0666, failing
-// when it exists already; remove one; both return false on failure.
-bool createSegment(key_t key, std::size_t size);
-bool removeSegment(key_t key);
-
-}  // namespace shm
-
-#include <optional>
-
-#include "shm/block.h"
-
-namespace shm {
-
-// The server's side of its block, for hosts: creates "/tmp/ONVIF_SHM/onvif"
-// (under ONVIFCTRL_ROOT) when missing and the 4000-byte segment of its key.
-// Fails when the segment exists already.
-bool createServerBlock(std::string* error);
-// The same for any segment keyed by a camera path (project id 0), zero-filled.
-bool createCameraSegment(const std::string& cameraPath, std::size_t size, std::string* error);
-bool removeCameraSegment(const std::string& cameraPath);
-// Attaches an existing server block without printing anything.
-std::optional<ShmBlock> attachServerBlock();
-bool removeServerBlock();
+// findSegment for an auxiliary segment; a camera path without a key fails
+// with LookupError::Key.
+Segment findAuxSegment(const AuxSegment& aux, LookupError* error);
 
 }  // namespace shm

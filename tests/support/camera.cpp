@@ -15,7 +15,7 @@
 #include <sstream>
 #include <stdexcept>
 
-#include "shm/segments.h"
+#include "host_shm.h"
 
 extern char** environ;
 
@@ -109,7 +109,7 @@ void Camera::startServer(std::initializer_list<std::pair<shm::Slot, int>> slots)
   bool created = false;
   // Two roots may get the same ftok key; a new inode gives a new key.
   for (int attempt = 0; attempt < 20 && !created; ++attempt) {
-    created = shm::createServerBlock(&error);
+    created = host::createServerBlock(&error);
     if (!created) {
       std::string path = host(shm::kServerShmPath);
       std::remove(path.c_str());
@@ -125,7 +125,7 @@ void Camera::startServer(std::initializer_list<std::pair<shm::Slot, int>> slots)
 
 void Camera::stopServer() {
   setenv("ONVIFCTRL_ROOT", root_.c_str(), 1);
-  shm::removeServerBlock();
+  host::removeServerBlock();
   unsetenv("ONVIFCTRL_ROOT");
 }
 
@@ -133,7 +133,7 @@ namespace {
 
 std::optional<shm::ShmBlock> attachUnder(const std::string& root) {
   setenv("ONVIFCTRL_ROOT", root.c_str(), 1);
-  std::optional<shm::ShmBlock> b = shm::attachServerBlock();
+  std::optional<shm::ShmBlock> b = host::attachServerBlock();
   unsetenv("ONVIFCTRL_ROOT");
   if (!b) throw std::runtime_error("no server block under " + root);
   return b;
