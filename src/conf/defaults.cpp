@@ -85,15 +85,12 @@ void stampScopes(const char* routine) {
     conf::logError("onvifServer: %s missing", kBrandConf);
     return;
   }
-  conf::RewriteJob job;
-  job.routine = routine;
-  job.source = inDir("onvif.conf.default");
-  job.temp = std::string(conf::kTmpDir) + routine;
-  job.targets = {job.source};
-  job.missing = "onvifServer:sync %s missing";
-  job.sync = false;
-  job.tempMode = "w+";
-  job.tempFirst = false;
+  const conf::RewriteJob job =
+      conf::inPlace(routine, inDir("onvif.conf.default"), "onvifServer:sync %s missing")
+          .through(std::string(conf::kTmpDir) + routine)
+          .unsynced()
+          .sourceFirst()
+          .wPlus();
   conf::rewrite(job, {conf::set(kNameScope, brand.str()),
                       conf::fixed("Initial_Sync_Data=", "Initial_Sync_Data=true\n")});
 }

@@ -45,6 +45,36 @@ RewriteJob inPlace(const std::string& routine, const std::string& path, const st
   return job;
 }
 
+RewriteJob onvifConf(const std::string& routine, const std::string& missing) {
+  RewriteJob job = inPlace(routine, kLiveOnvifConf, missing);
+  job.targets.push_back(kPersistOnvifConf);
+  return job;
+}
+
+RewriteJob RewriteJob::unsynced() const {
+  RewriteJob job = *this;
+  job.sync = false;
+  return job;
+}
+
+RewriteJob RewriteJob::sourceFirst() const {
+  RewriteJob job = *this;
+  job.tempFirst = false;
+  return job;
+}
+
+RewriteJob RewriteJob::wPlus() const {
+  RewriteJob job = *this;
+  job.tempMode = "w+";
+  return job;
+}
+
+RewriteJob RewriteJob::through(std::string t) const {
+  RewriteJob job = *this;
+  job.temp = std::move(t);
+  return job;
+}
+
 namespace {
 
 bool put(std::FILE* f, const std::string& s) {

@@ -56,12 +56,22 @@ struct RewriteJob {
   bool sync = true;                  // fsync/fdatasync before closing the temporary file
   const char* tempMode = "w";
   bool tempFirst = true;  // create the temporary file before testing the source
+
+  // The variants a few routines need, chained onto inPlace() or onvifConf():
+  RewriteJob unsynced() const;                 // closed and copied at once, without fsync
+  RewriteJob sourceFirst() const;              // the temporary file is made once the source opened
+  RewriteJob wPlus() const;                    // the temporary file is opened "w+"
+  RewriteJob through(std::string temp) const;  // another temporary file than "WS_<routine>"
 };
 
 // The usual job: rewrite `path` through "/tmp/onvif/tmp/WS_<routine>" and copy
 // it back onto `path` alone; `missing` is the error-log shape for a missing
 // `path` ("" logs nothing).
 RewriteJob inPlace(const std::string& routine, const std::string& path, const std::string& missing);
+
+// The live onvif.conf, rewritten like inPlace() and copied back onto itself
+// and then onto the persistent copy.
+RewriteJob onvifConf(const std::string& routine, const std::string& missing);
 
 enum class Status { Done, SourceMissing, WriteFailed };
 

@@ -25,16 +25,10 @@ constexpr const char* kUserSetting = "/usr/apache/htdocs/onvif/UserSetting.conf"
 // Sets "ONVIF_CheckPassword=" in both copies of onvif.conf and, when the live
 // copy was there, the slot.
 int setCheckPassword(shm::ShmBlock& block, const char* routine, bool check) {
-  std::string name(routine);
-  conf::RewriteJob job;
-  job.routine = name;
-  job.source = conf::kLiveOnvifConf;
-  job.temp = conf::wsTemp(name);
-  job.targets = {conf::kLiveOnvifConf, conf::kPersistOnvifConf};
-  job.missing = name + " %s missing";
-  conf::Result r = conf::rewrite(
-      job, {conf::fixed("ONVIF_CheckPassword=",
-                        check ? "ONVIF_CheckPassword=true\n" : "ONVIF_CheckPassword=false\n")});
+  conf::Result r =
+      conf::rewrite(conf::onvifConf(routine, std::string(routine) + " %s missing"),
+                    {conf::fixed("ONVIF_CheckPassword=", check ? "ONVIF_CheckPassword=true\n"
+                                                               : "ONVIF_CheckPassword=false\n")});
   if (r.done()) block.set(Slot::ONVIF_CHECK_PASSWORD, check ? 1 : 0);
   return r.shell;
 }
@@ -92,17 +86,13 @@ int ProfileQ_Authentication_Setting(shm::ShmBlock& block) {
     block.set(Slot::PROFILE_Q_AUTHENTICATION, 1);
     return 0;
   }
-  conf::RewriteJob job;
-  job.routine = "ProfileQ_Authentication_Setting";
-  job.source = kUserSetting;
-  job.temp = conf::wsTemp(job.routine);
-  job.targets = {kUserSetting};
-  job.missing = "ProfileQ_Authentication_Setting:%s missing";
-  job.sync = false;
-  job.tempMode = "w+";
-  job.tempFirst = false;
+  const char* routine = "ProfileQ_Authentication_Setting";
   conf::Result r = conf::rewrite(
-      job, {conf::fixed("ProfileQ_FactoryDefaultState=", "ProfileQ_FactoryDefaultState=false\n")});
+      conf::inPlace(routine, kUserSetting, std::string(routine) + ":%s missing")
+          .unsynced()
+          .sourceFirst()
+          .wPlus(),
+      {conf::fixed("ProfileQ_FactoryDefaultState=", "ProfileQ_FactoryDefaultState=false\n")});
   block.set(Slot::PROFILE_Q_AUTHENTICATION, 1);
   return r.shell;
 }

@@ -71,13 +71,9 @@ constexpr const char* kCompressionLevels[] = {"low", "middle", "high"};
 // Update_Recording with a file-name format other than "1": the list keeps
 // only its "RecordingFile=O" lines.
 int keepOriginalNames(shm::ShmBlock& block) {
-  conf::RewriteJob job;
-  job.routine = "Update_Recording";
-  job.source = kRecordings;
-  job.temp = conf::wsTemp(job.routine);
-  job.targets = {kRecordings};
-  job.missing = "Update_Recording:%s missing";
-  conf::Result r = conf::rewrite(job, {conf::keepLine("RecordingFile=O"), conf::dropLine("")});
+  conf::Result r =
+      conf::rewrite(conf::inPlace("Update_Recording", kRecordings, "Update_Recording:%s missing"),
+                    {conf::keepLine("RecordingFile=O"), conf::dropLine("")});
   block.set(Slot::RECORDING_NAME_FORMAT, 0);
   return r.shell;
 }
@@ -175,20 +171,17 @@ int Update_AlarmOutput_High_Low(shm::ShmBlock& block) {
     return Out::keep();
   };
   if (!conf::forEachName(list, "Output", "%s\n", [&](const std::string& name) {
-        conf::RewriteJob job;
-        job.routine = "Update_AlarmOutput_High_Low";
-        job.source = conf::kLiveDir + name;
-        job.temp = conf::wsTemp(job.routine);
-        job.targets = {job.source};
-        job.missing = missing;  // a record that is not there is skipped
-        job.sync = false;
-        shell = conf::rewrite(job, {conf::rule("token=",
-                                               [&](const char* line) {
-                                                 conf::scan(line, "token=%s\n", token);
-                                                 return Out::keep();
-                                               }),
-                                    conf::rule("IdleState=", idleState)})
-                    .shell;
+        // A record that is not there is logged and skipped.
+        const std::string path = conf::kLiveDir + name;
+        shell =
+            conf::rewrite(conf::inPlace("Update_AlarmOutput_High_Low", path, missing).unsynced(),
+                          {conf::rule("token=",
+                                      [&](const char* line) {
+                                        conf::scan(line, "token=%s\n", token);
+                                        return Out::keep();
+                                      }),
+                           conf::rule("IdleState=", idleState)})
+                .shell;
         return true;
       }))
     return conf::logError(missing.c_str(), listName);
@@ -269,18 +262,14 @@ int Update_SmartCompression() {
     if (lbr.is(l)) level = l;
   auto onOff = [](const Field<64>& mode) { return mode.is("dynamic") ? "on\n" : "off\n"; };
 
-  conf::RewriteJob job;
-  job.routine = "Update_SmartCompression";
-  job.source = kSmartCompression;
-  job.temp = conf::wsTemp(job.routine);
-  job.targets = {kSmartCompression};
-  job.missing = missing;
-  return conf::rewrite(job,
+  return conf::rewrite(conf::inPlace("Update_SmartCompression", kSmartCompression, missing),
                        {
                            conf::set("Smart_Compression_Enabled=", level),
-                           conf::fixed("Stream1_DynamicGOP_Enabled=", std::string("Stream1_DynamicGOP_Enabled=") + onOff(mode1)),
+                           conf::fixed("Stream1_DynamicGOP_Enabled=",
+                                       std::string("Stream1_DynamicGOP_Enabled=") + onOff(mode1)),
                            conf::set("Stream1_DynamicGOP_MaxGOP=", dynamic1.str()),
-                           conf::fixed("Stream2_DynamicGOP_Enabled=", std::string("Stream2_DynamicGOP_Enabled=") + onOff(mode2)),
+                           conf::fixed("Stream2_DynamicGOP_Enabled=",
+                                       std::string("Stream2_DynamicGOP_Enabled=") + onOff(mode2)),
                            conf::set("Stream2_DynamicGOP_MaxGOP=", dynamic2.str()),
                        })
       .shell;

@@ -125,26 +125,22 @@ int Update_Network(int /*multiStream*/, int device, shm::ShmBlock& block) {
   const std::string fixedName = std::string("FixedScopes=") + kNameScope;
   const std::string configurableName = std::string("ConfigurableScopes=") + kNameScope;
 
-  conf::RewriteJob job;
-  job.routine = "Update_Network";
-  job.source = conf::kLiveOnvifConf;
-  job.temp = conf::wsTemp(job.routine);
-  job.targets = {conf::kLiveOnvifConf, conf::kPersistOnvifConf};
-  job.missing = "[Update_Network]ONVIF_CONF_FILE missing";
   return conf::rewrite(
-             job,
+             conf::onvifConf("Update_Network", "[Update_Network]ONVIF_CONF_FILE missing"),
              {
                  conf::set("Time.TimeZone=", v.timeZone.str()),
                  inMode(!dhcp, "Network.IPv4.Config.Manual.Address=", v.address.str()),
                  inMode(!dhcp, "Network.IPv4.Config.Manual.PrefixLength=", prefix),
                  inMode(dhcp, "Network.IPv4.Config.FromDHCP.Address=", v.address.str()),
-                 conf::fixed("Network.IPv4.Config.DHCP=",
-                             dhcp ? "Network.IPv4.Config.DHCP=true\n" : "Network.IPv4.Config.DHCP=false\n"),
+                 conf::fixed("Network.IPv4.Config.DHCP=", dhcp
+                                                              ? "Network.IPv4.Config.DHCP=true\n"
+                                                              : "Network.IPv4.Config.DHCP=false\n"),
                  inMode(!dhcp, "DNSInformation.DNSManual.IPv4Address=", v.dns1.str()),
                  conf::set("NetworkProtocol1.Port=", v.httpPort.str()),
                  inMode(device != 2, "NetworkProtocol2.Port=", v.httpsPort.str()),
                  conf::set("NetworkProtocol3.Port=", v.rtspPort.str()),
-                 conf::fixed("Time.Type=", v.syncSource.is("NTP") ? "Time.Type=NTP\n" : "Time.Type=Manual\n"),
+                 conf::fixed("Time.Type=",
+                             v.syncSource.is("NTP") ? "Time.Type=NTP\n" : "Time.Type=Manual\n"),
                  conf::fixed("NTPInformation.FromDHCP=", "NTPInformation.FromDHCP=false\n"),
                  conf::set("NTPInformation.NTPManual.IPv4Address=", v.ntpServer.str()),
                  conf::set("NTPInformation.NTPManual.DNSname=", v.ntpServer.str()),
@@ -153,8 +149,9 @@ int Update_Network(int /*multiStream*/, int device, shm::ShmBlock& block) {
                  conf::set("HostnameInformation.Name=", v.hostName.str()),
                  inMode(brand == 40 || brand == 17, "Network.Info.MTU=", v.mtu.str()),
                  inMode(brand == 9, fixedName, v.hostName.str()),
-                 conf::fixed("Time.DaylightSavings=",
-                             v.dst.is("yes") ? "Time.DaylightSavings=true\n" : "Time.DaylightSavings=false\n"),
+                 conf::fixed("Time.DaylightSavings=", v.dst.is("yes")
+                                                          ? "Time.DaylightSavings=true\n"
+                                                          : "Time.DaylightSavings=false\n"),
                  inMode(brand == 49, configurableName, v.hostName.str()),
              })
       .shell;
@@ -169,21 +166,17 @@ int Update_IPAddr(shm::ShmBlock&) {
     conf::logError("[Update_IPAddr] %s missing", kNetworkConf);
   const std::string prefix = prefixText(mask.c_str());
 
-  conf::RewriteJob job;
-  job.routine = "Update_IPAddr";
-  job.source = conf::kLiveOnvifConf;
-  job.temp = conf::wsTemp(job.routine);
-  job.targets = {conf::kLiveOnvifConf};  // the persistent copy is left alone
-  job.missing = "[Update_IPAddr] %s missing";
-  return conf::rewrite(job,
-                       {
-                           conf::set("Network.IPv4.Config.Manual.Address=", address.str()),
-                           conf::set("Network.IPv4.Config.Manual.PrefixLength=", prefix),
-                           conf::set("Network.IPv4.Config.LinkLocal.Address=", address.str()),
-                           conf::set("Network.IPv4.Config.LinkLocal.PrefixLength=", prefix),
-                           conf::set("Network.IPv4.Config.FromDHCP.Address=", address.str()),
-                           conf::set("Network.IPv4.Config.FromDHCP.PrefixLength=", prefix),
-                       })
+  // The live copy alone: the persistent copy is left as it is.
+  return conf::rewrite(
+             conf::inPlace("Update_IPAddr", conf::kLiveOnvifConf, "[Update_IPAddr] %s missing"),
+             {
+                 conf::set("Network.IPv4.Config.Manual.Address=", address.str()),
+                 conf::set("Network.IPv4.Config.Manual.PrefixLength=", prefix),
+                 conf::set("Network.IPv4.Config.LinkLocal.Address=", address.str()),
+                 conf::set("Network.IPv4.Config.LinkLocal.PrefixLength=", prefix),
+                 conf::set("Network.IPv4.Config.FromDHCP.Address=", address.str()),
+                 conf::set("Network.IPv4.Config.FromDHCP.PrefixLength=", prefix),
+             })
       .shell;
 }
 

@@ -35,13 +35,9 @@ int Update_Hostname_To_Scopes(shm::ShmBlock& block) {
 
   // Both are written as read, blanks included: the server takes the scope
   // text as it stands.
-  conf::RewriteJob job;
-  job.routine = "Update_Hostname_To_Scopes";
-  job.source = conf::kLiveOnvifConf;
-  job.temp = conf::wsTemp(job.routine);
-  job.targets = {conf::kLiveOnvifConf, conf::kPersistOnvifConf};
-  job.missing = "Update_Location_To_Scopes %s missing";
-  return conf::rewrite(job, {conf::set(kNameScope, hostName.str()), conf::set(kLocationScope, location.str())})
+  return conf::rewrite(
+             conf::onvifConf("Update_Hostname_To_Scopes", "Update_Location_To_Scopes %s missing"),
+             {conf::set(kNameScope, hostName.str()), conf::set(kLocationScope, location.str())})
       .shell;
 }
 

@@ -157,29 +157,24 @@ conf::Result updateRecord(const std::string& token, const Element& e, const Text
   std::optional<YCbCr> colour = osdColour(valueOf(s.color.c_str()));
   YCbCr c = colour.value_or(YCbCr{0, 0, 0});
 
-  conf::RewriteJob job;
-  job.routine = kRoutine;
-  job.source = path;
-  job.temp = conf::wsTemp(kRoutine);
-  job.targets = {path};
-  job.missing = kMissing;
-  return conf::rewrite(job, {
-      conf::set("OSDToken=", token),
-      conf::fixed("VideoSourceToken=", "VideoSourceToken=VideoSource1\n"),
-      conf::fixed("OSDType=", "OSDType=Text\n"),
-      conf::set("PositionType=", where.type),
-      setIf("Position_X=", where.x, !where.x.empty()),
-      setIf("Position_Y=", where.y, !where.y.empty()),
-      conf::set("TextType=", e.textType),
-      conf::fixed("DateFormat=", "DateFormat=yyyy/MM/dd\n"),
-      conf::fixed("TimeFormat=", "TimeFormat=HH:mm:ss\n"),
-      setIf("FontSize=", std::to_string(size), size > 0),
-      setIf("FontColor_X=", number(c.y), colour.has_value()),
-      setIf("FontColor_Y=", number(c.cb), colour.has_value()),
-      setIf("FontColor_Z=", number(c.cr), colour.has_value()),
-      conf::set("PlainText=", e.plainText),
-      conf::set("PlainTextNo=", std::to_string(e.plainTextNo)),
-  });
+  return conf::rewrite(conf::inPlace(kRoutine, path, kMissing),
+                       {
+                           conf::set("OSDToken=", token),
+                           conf::fixed("VideoSourceToken=", "VideoSourceToken=VideoSource1\n"),
+                           conf::fixed("OSDType=", "OSDType=Text\n"),
+                           conf::set("PositionType=", where.type),
+                           setIf("Position_X=", where.x, !where.x.empty()),
+                           setIf("Position_Y=", where.y, !where.y.empty()),
+                           conf::set("TextType=", e.textType),
+                           conf::fixed("DateFormat=", "DateFormat=yyyy/MM/dd\n"),
+                           conf::fixed("TimeFormat=", "TimeFormat=HH:mm:ss\n"),
+                           setIf("FontSize=", std::to_string(size), size > 0),
+                           setIf("FontColor_X=", number(c.y), colour.has_value()),
+                           setIf("FontColor_Y=", number(c.cb), colour.has_value()),
+                           setIf("FontColor_Z=", number(c.cr), colour.has_value()),
+                           conf::set("PlainText=", e.plainText),
+                           conf::set("PlainTextNo=", std::to_string(e.plainTextNo)),
+                       });
 }
 
 // A list token that names a record file of this folder. "OSD" would name the
@@ -238,13 +233,8 @@ int updateOsdGeneric(shm::ShmBlock&) {
   }
 
   std::size_t at = 0;
-  conf::RewriteJob job;
-  job.routine = kRoutine;
-  job.source = kOsdList;
-  job.temp = conf::wsTemp(kRoutine);
-  job.targets = {kOsdList};
-  job.missing = kMissing;
-  conf::Result r = conf::rewrite(job, {conf::rule("OSDToken=", [&](const char*) {
+  conf::Result r = conf::rewrite(conf::inPlace(kRoutine, kOsdList, kMissing),
+                                 {conf::rule("OSDToken=", [&](const char*) {
                                    std::size_t p = at++;
                                    return p < elems.size() ? Out::write("OSDToken=" + tokens[p] + "\n") : Out::keep();
                                  })});

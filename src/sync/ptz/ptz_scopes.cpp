@@ -31,12 +31,7 @@ void update_onvif_conf_file_ptzscopes(int ptz) {
   const bool on = ptz == 1;
   if (on == present) return;
 
-  conf::RewriteJob job;
-  job.routine = routine;
-  job.source = conf::kLiveOnvifConf;
-  job.temp = conf::wsTemp(routine);
-  job.targets = {conf::kLiveOnvifConf, conf::kPersistOnvifConf};
-  job.missing = missing;
+  const conf::RewriteJob job = conf::onvifConf(routine, missing);
   // On: the PTZ scope follows each Streaming profile scope (none, none added).
   // Off: every PTZ scope line goes.
   conf::rewrite(job, {on ? conf::rule(kStreamingScope,
@@ -48,16 +43,13 @@ void update_onvif_profile_ptzconf(int ptz) {
   const std::string routine = "update_onvif_profile_ptzconf";
   const std::string missing = routine + ":%s missing";
   const char* binding = ptz == 1 ? "PTZ=PTZConf1\n" : "PTZ=NONE\n";
-  if (!conf::forEachName(kProfiles, "profile filename=", "profile filename=%s\n", [&](const std::string& name) {
-        conf::RewriteJob job;
-        job.routine = routine;
-        job.source = conf::kLiveDir + name;
-        job.temp = conf::wsTemp(routine);
-        job.targets = {job.source};
-        job.missing = missing;  // logged; the next profile is processed
-        conf::rewrite(job, {conf::fixed("PTZ=", binding)});
-        return true;
-      }))
+  if (!conf::forEachName(kProfiles, "profile filename=", "profile filename=%s\n",
+                         [&](const std::string& name) {
+                           // A missing record is logged; the next profile is processed.
+                           conf::rewrite(conf::inPlace(routine, conf::kLiveDir + name, missing),
+                                         {conf::fixed("PTZ=", binding)});
+                           return true;
+                         }))
     conf::logError(missing.c_str(), kProfiles);
 }
 

@@ -403,13 +403,9 @@ int CheckResolutionToAddOrMinusVideoEncoderInProfile(shm::ShmBlock& block) {
       rules.push_back(conf::set("VideoEncoder=", bindTo("VideoEncoder")));
       if (audioToo) rules.push_back(conf::set("AudioEncoder=", bindTo("AudioEncoder")));
     }
-    conf::RewriteJob job;
-    job.routine = routine;
-    job.source = std::string(conf::kLiveDir) + name;
-    job.temp = conf::wsTemp(routine);
-    job.targets = {job.source};
-    job.missing = routine + " %s missing";
-    shell = conf::rewrite(job, rules).shell;
+    shell =
+        conf::rewrite(conf::inPlace(routine, conf::kLiveDir + name, routine + " %s missing"), rules)
+            .shell;
     return true;
   });
   return listed ? shell : conf::logError((routine + " %s missing").c_str(), kProfileList);

@@ -45,13 +45,7 @@ bool readEncoderFacts(const std::string& name, EncoderFacts& facts) {
 
 conf::Result rewriteEncoder(const std::string& routine, const std::string& name, const std::string& missing,
                             const std::vector<conf::Rule>& rules) {
-  conf::RewriteJob job;
-  job.routine = routine;
-  job.source = encoderPath(name);
-  job.temp = conf::wsTemp(routine);
-  job.targets = {job.source};
-  job.missing = missing;
-  return conf::rewrite(job, rules);
+  return conf::rewrite(conf::inPlace(routine, encoderPath(name), missing), rules);
 }
 
 int textNumber(const char* text) {

@@ -227,13 +227,10 @@ int Update_Imapge_Source(int, int device, int ioType, shm::ShmBlock& block) {
                       "\n");
   }));
 
-  conf::RewriteJob job;
-  job.routine = kRoutine;
-  job.source = std::string(conf::kLiveDir) + source;
-  job.temp = conf::wsTemp(kRoutine);
-  job.targets = {job.source};
-  job.missing = "[Update_Imapge_Source]ONVIF_VIDEO_SOURCE_1 missing";
-  return conf::rewrite(job, rules).shell;
+  return conf::rewrite(conf::inPlace(kRoutine, conf::kLiveDir + source,
+                                     "[Update_Imapge_Source]ONVIF_VIDEO_SOURCE_1 missing"),
+                       rules)
+      .shell;
 }
 
 }  // namespace onvif

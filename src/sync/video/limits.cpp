@@ -9,6 +9,7 @@
 #include "conf/field.h"
 #include "conf/keys.h"
 #include "conf/lines.h"
+#include "conf/paths.h"
 #include "conf/rewrite.h"
 #include "conf/scan.h"
 #include "conf/write_file.h"
@@ -121,6 +122,7 @@ int Update_AvailableResolutionTable(shm::ShmBlock& block) {
 }
 
 int Update_FPS_GOV_BITRATE(shm::ShmBlock& block, const EncoderLimits& l) {
+  const std::string routine = "Update_FPS_GOV_BITRATE";
   bool usable = l.fps >= 1;
   for (int n = 0; n < 4; ++n) usable = usable && l.bitrate[n] >= 1 && l.gov[n] >= 1;
   if (!usable) return conf::logError("Update_FPS_GOV_BITRATE can't sync Max FPS/GOV/Bitrate.");
@@ -145,12 +147,9 @@ int Update_FPS_GOV_BITRATE(shm::ShmBlock& block, const EncoderLimits& l) {
       if (!(ownLowStreamBitrates && f.stream >= 2))
         rules.push_back(conf::set("BitrateRange.Max=", std::to_string(l.bitrate[f.stream])));
     }
-    conf::RewriteJob job;
-    job.routine = "Update_FPS_GOV_BITRATE";
-    job.source = f.path;
-    job.temp = "/tmp/onvif/tmp/OS_Update_FPS_GOV_BITRATE";
-    job.targets = {f.path};
-    job.missing = "Update_FPS_GOV_BITRATE:%s missing.";
+    const conf::RewriteJob job =
+        conf::inPlace(routine, f.path, "Update_FPS_GOV_BITRATE:%s missing.")
+            .through(std::string(conf::kTmpDir) + "OS_" + routine);
     shell = conf::rewrite(job, rules).shell;
   }
   return shell;

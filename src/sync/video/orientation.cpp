@@ -73,15 +73,12 @@ int Update_Flip_Vision(shm::ShmBlock& block) {
 
   // Without the web file the configuration follows the code the slot keeps.
   const RotationRow& row = rotationOf(block.get(Slot::ONVIF_ROTATE_MODE));
-  conf::RewriteJob job;
-  job.routine = "Update_Flip_Vision";
-  job.source = kVideoSourceConfig;
-  job.temp = conf::wsTemp(job.routine);
-  job.targets = {kVideoSourceConfig};
-  job.missing = "Update_Flip_Vision:%s missing";
-  job.tempMode = "w+";
-  return conf::rewrite(job, {conf::fixed("RotateMode=", row.mode),
-                             row.degree ? conf::fixed("RotateDegree=", row.degree) : conf::keepLine("RotateDegree=")})
+  return conf::rewrite(conf::inPlace("Update_Flip_Vision", kVideoSourceConfig,
+                                     "Update_Flip_Vision:%s missing")
+                           .wPlus(),
+                       {conf::fixed("RotateMode=", row.mode),
+                        row.degree ? conf::fixed("RotateDegree=", row.degree)
+                                   : conf::keepLine("RotateDegree=")})
       .shell;
 }
 
