@@ -35,6 +35,12 @@ Rule rule(const std::string& key, std::function<Out(const char* line)> apply) {
   return Rule{key, std::move(apply)};
 }
 
+Rule when(bool active, Rule r) { return active ? std::move(r) : keepLine(r.key); }
+
+Rule setOr(const std::string& key, const std::optional<std::string>& value) {
+  return value ? set(key, *value) : keepLine(key);
+}
+
 RewriteJob inPlace(const std::string& routine, const std::string& path, const std::string& missing) {
   RewriteJob job;
   job.routine = routine;
