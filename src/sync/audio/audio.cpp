@@ -138,10 +138,9 @@ void rewriteListed(const char* list, const std::vector<Rule>& rules) {
 }
 
 // Output level (and, on the current path, use count) of every audio output.
-void syncOutputs(const Field<32>& gain, const int* useCount) {
-  std::vector<Rule> rules = {conf::keepLine("SendPrimacy="), conf::set("OutputLevel=", gain.str())};
-  if (useCount != nullptr) rules.push_back(conf::set("UseCount=", std::to_string(*useCount)));
-  rewriteListed(kOutputList, rules);
+void syncOutputs(const Field<32>& gain, const std::optional<std::string>& useCount) {
+  rewriteListed(kOutputList, {conf::keepLine("SendPrimacy="), conf::set("OutputLevel=", gain.str()),
+                              conf::setOr("UseCount=", useCount)});
 }
 
 struct WebAudio {
@@ -249,11 +248,12 @@ void currentPath(shm::ShmBlock& block, WebAudio& web) {
   int brand = block.get(Slot::ONVIF_BRAND);
   bool binding = brand == 34 || (brand == 44 && block.get(Slot::BRAND_REGION) == 7);
   bool off = web.duplex.is("disable");
-  std::vector<Rule> rules = {bind("AudioDecoder=", "AudioDecoder1", off), bind("AudioOutput=", "AudioOutput1", off)};
-  if (binding) {
-    rules.push_back(bind("AudioEncoder=", "AudioEncoder1", off));
-    rules.push_back(bind("AudioSource=", "AudioSource1", off));
-  }
+  const std::vector<Rule> rules = {
+      bind("AudioDecoder=", "AudioDecoder1", off),
+      bind("AudioOutput=", "AudioOutput1", off),
+      conf::when(binding, bind("AudioEncoder=", "AudioEncoder1", off)),
+      conf::when(binding, bind("AudioSource=", "AudioSource1", off)),
+  };
   int layout = block.get(Slot::ONVIF_MULTIPLE_STREAM);
   if (!conf::forEachName(kProfiles, "profile filename=", "profile filename=%s\n", [&](const std::string& name) {
         if (rewriteRecord(conf::kLiveDir, name, kRoutine, kMissing, rules).done()) runBackChannel(off, layout);
@@ -273,7 +273,7 @@ void currentPath(shm::ShmBlock& block, WebAudio& web) {
       }))
     conf::logError(kMissing, kProfiles);
 
-  syncOutputs(web.gain, &outputs);
+  syncOutputs(web.gain, std::to_string(outputs));
   rewriteListed(kDecoderList, {conf::set("UseCount=", std::to_string(decoders))});
 }
 
@@ -287,7 +287,7 @@ int Update_Audio_Source(int multiStream, shm::ShmBlock& block) {
     // Only the duplex line is read here; the legacy path does not use it.
     if (!conf::scanConf(kAudioConf, {conf::str("root.Audio.DuplexMode=", web.duplex).first()}))
       conf::logError(kMissing, kAudioConf);
-    syncOutputs(web.gain, nullptr);
+    syncOutputs(web.gain, std::nullopt);
     return 0;
   }
   if (haveSource) currentEncoder(block, web);

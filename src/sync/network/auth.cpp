@@ -25,10 +25,8 @@ constexpr const char* kUserSetting = "/usr/apache/htdocs/onvif/UserSetting.conf"
 // Sets "ONVIF_CheckPassword=" in both copies of onvif.conf and, when the live
 // copy was there, the slot.
 int setCheckPassword(shm::ShmBlock& block, const char* routine, bool check) {
-  conf::Result r =
-      conf::rewrite(conf::onvifConf(routine, std::string(routine) + " %s missing"),
-                    {conf::fixed("ONVIF_CheckPassword=", check ? "ONVIF_CheckPassword=true\n"
-                                                               : "ONVIF_CheckPassword=false\n")});
+  conf::Result r = conf::rewrite(conf::onvifConf(routine, std::string(routine) + " %s missing"),
+                                 {conf::set("ONVIF_CheckPassword=", check ? "true" : "false")});
   if (r.done()) block.set(Slot::ONVIF_CHECK_PASSWORD, check ? 1 : 0);
   return r.shell;
 }
@@ -87,12 +85,12 @@ int ProfileQ_Authentication_Setting(shm::ShmBlock& block) {
     return 0;
   }
   const char* routine = "ProfileQ_Authentication_Setting";
-  conf::Result r = conf::rewrite(
-      conf::inPlace(routine, kUserSetting, std::string(routine) + ":%s missing")
-          .unsynced()
-          .sourceFirst()
-          .wPlus(),
-      {conf::fixed("ProfileQ_FactoryDefaultState=", "ProfileQ_FactoryDefaultState=false\n")});
+  conf::Result r =
+      conf::rewrite(conf::inPlace(routine, kUserSetting, std::string(routine) + ":%s missing")
+                        .unsynced()
+                        .sourceFirst()
+                        .wPlus(),
+                    {conf::set("ProfileQ_FactoryDefaultState=", "false")});
   block.set(Slot::PROFILE_Q_AUTHENTICATION, 1);
   return r.shell;
 }

@@ -260,16 +260,14 @@ int Update_SmartCompression() {
   std::string level = "off";
   for (const char* l : kCompressionLevels)
     if (lbr.is(l)) level = l;
-  auto onOff = [](const Field<64>& mode) { return mode.is("dynamic") ? "on\n" : "off\n"; };
+  auto onOff = [](const Field<64>& mode) { return mode.is("dynamic") ? "on" : "off"; };
 
   return conf::rewrite(conf::inPlace("Update_SmartCompression", kSmartCompression, missing),
                        {
                            conf::set("Smart_Compression_Enabled=", level),
-                           conf::fixed("Stream1_DynamicGOP_Enabled=",
-                                       std::string("Stream1_DynamicGOP_Enabled=") + onOff(mode1)),
+                           conf::set("Stream1_DynamicGOP_Enabled=", onOff(mode1)),
                            conf::set("Stream1_DynamicGOP_MaxGOP=", dynamic1.str()),
-                           conf::fixed("Stream2_DynamicGOP_Enabled=",
-                                       std::string("Stream2_DynamicGOP_Enabled=") + onOff(mode2)),
+                           conf::set("Stream2_DynamicGOP_Enabled=", onOff(mode2)),
                            conf::set("Stream2_DynamicGOP_MaxGOP=", dynamic2.str()),
                        })
       .shell;

@@ -85,12 +85,6 @@ void readNetwork(NetworkValues& v) {
     conf::logError("[Update_Network]SYSTEM_TIMEZONE_CONFIG missing");
 }
 
-// A rule that writes `key` + `value` in one of the two addressing modes and
-// keeps the line in the other.
-conf::Rule inMode(bool active, const std::string& key, const std::string& value) {
-  return active ? conf::set(key, value) : conf::keepLine(key);
-}
-
 }  // namespace
 
 int prefixLength(const char* mask) {
@@ -125,34 +119,34 @@ int Update_Network(int /*multiStream*/, int device, shm::ShmBlock& block) {
   const std::string fixedName = std::string("FixedScopes=") + kNameScope;
   const std::string configurableName = std::string("ConfigurableScopes=") + kNameScope;
 
+  const bool manual = !dhcp;
   return conf::rewrite(
              conf::onvifConf("Update_Network", "[Update_Network]ONVIF_CONF_FILE missing"),
              {
                  conf::set("Time.TimeZone=", v.timeZone.str()),
-                 inMode(!dhcp, "Network.IPv4.Config.Manual.Address=", v.address.str()),
-                 inMode(!dhcp, "Network.IPv4.Config.Manual.PrefixLength=", prefix),
-                 inMode(dhcp, "Network.IPv4.Config.FromDHCP.Address=", v.address.str()),
-                 conf::fixed("Network.IPv4.Config.DHCP=", dhcp
-                                                              ? "Network.IPv4.Config.DHCP=true\n"
-                                                              : "Network.IPv4.Config.DHCP=false\n"),
-                 inMode(!dhcp, "DNSInformation.DNSManual.IPv4Address=", v.dns1.str()),
+                 conf::when(manual,
+                            conf::set("Network.IPv4.Config.Manual.Address=", v.address.str())),
+                 conf::when(manual, conf::set("Network.IPv4.Config.Manual.PrefixLength=", prefix)),
+                 conf::when(dhcp,
+                            conf::set("Network.IPv4.Config.FromDHCP.Address=", v.address.str())),
+                 conf::set("Network.IPv4.Config.DHCP=", dhcp ? "true" : "false"),
+                 conf::when(manual,
+                            conf::set("DNSInformation.DNSManual.IPv4Address=", v.dns1.str())),
                  conf::set("NetworkProtocol1.Port=", v.httpPort.str()),
-                 inMode(device != 2, "NetworkProtocol2.Port=", v.httpsPort.str()),
+                 conf::when(device != 2, conf::set("NetworkProtocol2.Port=", v.httpsPort.str())),
                  conf::set("NetworkProtocol3.Port=", v.rtspPort.str()),
-                 conf::fixed("Time.Type=",
-                             v.syncSource.is("NTP") ? "Time.Type=NTP\n" : "Time.Type=Manual\n"),
-                 conf::fixed("NTPInformation.FromDHCP=", "NTPInformation.FromDHCP=false\n"),
+                 conf::set("Time.Type=", v.syncSource.is("NTP") ? "NTP" : "Manual"),
+                 conf::set("NTPInformation.FromDHCP=", "false"),
                  conf::set("NTPInformation.NTPManual.IPv4Address=", v.ntpServer.str()),
                  conf::set("NTPInformation.NTPManual.DNSname=", v.ntpServer.str()),
                  conf::set("NetworkGateway.IPv4Address=", v.router.str()),
-                 inMode(brand == 24, "Model=", v.friendlyName.str()),
+                 conf::when(brand == 24, conf::set("Model=", v.friendlyName.str())),
                  conf::set("HostnameInformation.Name=", v.hostName.str()),
-                 inMode(brand == 40 || brand == 17, "Network.Info.MTU=", v.mtu.str()),
-                 inMode(brand == 9, fixedName, v.hostName.str()),
-                 conf::fixed("Time.DaylightSavings=", v.dst.is("yes")
-                                                          ? "Time.DaylightSavings=true\n"
-                                                          : "Time.DaylightSavings=false\n"),
-                 inMode(brand == 49, configurableName, v.hostName.str()),
+                 conf::when(brand == 40 || brand == 17,
+                            conf::set("Network.Info.MTU=", v.mtu.str())),
+                 conf::when(brand == 9, conf::set(fixedName, v.hostName.str())),
+                 conf::set("Time.DaylightSavings=", v.dst.is("yes") ? "true" : "false"),
+                 conf::when(brand == 49, conf::set(configurableName, v.hostName.str())),
              })
       .shell;
 }

@@ -143,13 +143,6 @@ int fontSize(const std::string& text) {
   return static_cast<int>(v);
 }
 
-// Writes `key` + `value` + "\n" when there is a value, else keeps the line.
-conf::Rule setIf(const std::string& key, const std::string& value, bool has) {
-  return conf::rule(key, [key, value, has](const char*) {
-    return has ? Out::write(key + value + "\n") : Out::keep();
-  });
-}
-
 conf::Result updateRecord(const std::string& token, const Element& e, const TextSettings& s) {
   std::string path = kOsdDir + token + ".osdconf";
   Placement where = placement(e.position);
@@ -163,15 +156,15 @@ conf::Result updateRecord(const std::string& token, const Element& e, const Text
                            conf::fixed("VideoSourceToken=", "VideoSourceToken=VideoSource1\n"),
                            conf::fixed("OSDType=", "OSDType=Text\n"),
                            conf::set("PositionType=", where.type),
-                           setIf("Position_X=", where.x, !where.x.empty()),
-                           setIf("Position_Y=", where.y, !where.y.empty()),
+                           conf::when(!where.x.empty(), conf::set("Position_X=", where.x)),
+                           conf::when(!where.y.empty(), conf::set("Position_Y=", where.y)),
                            conf::set("TextType=", e.textType),
                            conf::fixed("DateFormat=", "DateFormat=yyyy/MM/dd\n"),
                            conf::fixed("TimeFormat=", "TimeFormat=HH:mm:ss\n"),
-                           setIf("FontSize=", std::to_string(size), size > 0),
-                           setIf("FontColor_X=", number(c.y), colour.has_value()),
-                           setIf("FontColor_Y=", number(c.cb), colour.has_value()),
-                           setIf("FontColor_Z=", number(c.cr), colour.has_value()),
+                           conf::when(size > 0, conf::set("FontSize=", std::to_string(size))),
+                           conf::when(colour.has_value(), conf::set("FontColor_X=", number(c.y))),
+                           conf::when(colour.has_value(), conf::set("FontColor_Y=", number(c.cb))),
+                           conf::when(colour.has_value(), conf::set("FontColor_Z=", number(c.cr))),
                            conf::set("PlainText=", e.plainText),
                            conf::set("PlainTextNo=", std::to_string(e.plainTextNo)),
                        });

@@ -31,12 +31,12 @@ void update_onvif_conf_file_ptzscopes(int ptz) {
   const bool on = ptz == 1;
   if (on == present) return;
 
-  const conf::RewriteJob job = conf::onvifConf(routine, missing);
-  // On: the PTZ scope follows each Streaming profile scope (none, none added).
-  // Off: every PTZ scope line goes.
-  conf::rewrite(job, {on ? conf::rule(kStreamingScope,
-                                      [](const char*) { return conf::Out::keepThen(std::string(kPtzScope) + "\n"); })
-                         : conf::dropLine(kPtzScope)});
+  // Two different rewrites of one rule each. On: the PTZ scope follows each
+  // Streaming profile scope (none, none added). Off: every PTZ scope line goes.
+  const conf::Rule add = conf::rule(kStreamingScope, [](const char*) {
+    return conf::Out::keepThen(std::string(kPtzScope) + "\n");
+  });
+  conf::rewrite(conf::onvifConf(routine, missing), {on ? add : conf::dropLine(kPtzScope)});
 }
 
 void update_onvif_profile_ptzconf(int ptz) {

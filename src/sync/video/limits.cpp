@@ -140,13 +140,17 @@ int Update_FPS_GOV_BITRATE(shm::ShmBlock& block, const EncoderLimits& l) {
   const bool ownLowStreamBitrates = block.get(Slot::ONVIF_BRAND) == 30;
   int shell = 0;
   for (const OptionFile& f : files) {
-    std::vector<conf::Rule> rules = {conf::set("FrameRateRange.Max=", std::to_string(l.fps)),
-                                     conf::set("EncodingIntervalRange.Max=", std::to_string(l.fps))};
-    if (f.stream >= 0) {
-      rules.push_back(conf::set("GovLengthRange.Max=", std::to_string(l.gov[f.stream])));
-      if (!(ownLowStreamBitrates && f.stream >= 2))
-        rules.push_back(conf::set("BitrateRange.Max=", std::to_string(l.bitrate[f.stream])));
-    }
+    // The JPEG file keeps its GOP and bit-rate lines.
+    const bool h264 = f.stream >= 0;
+    const int gov = h264 ? l.gov[f.stream] : 0;
+    const int bitrate = h264 ? l.bitrate[f.stream] : 0;
+    const std::vector<conf::Rule> rules = {
+        conf::set("FrameRateRange.Max=", std::to_string(l.fps)),
+        conf::set("EncodingIntervalRange.Max=", std::to_string(l.fps)),
+        conf::when(h264, conf::set("GovLengthRange.Max=", std::to_string(gov))),
+        conf::when(h264 && !(ownLowStreamBitrates && f.stream >= 2),
+                   conf::set("BitrateRange.Max=", std::to_string(bitrate))),
+    };
     const conf::RewriteJob job =
         conf::inPlace(routine, f.path, "Update_FPS_GOV_BITRATE:%s missing.")
             .through(std::string(conf::kTmpDir) + "OS_" + routine);

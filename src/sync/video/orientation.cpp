@@ -1,6 +1,7 @@
 #include "sync/video/orientation.h"
 
 #include <cstring>
+#include <optional>
 #include <vector>
 
 #include "conf/error_log.h"
@@ -106,9 +107,11 @@ int START_SYNC_H264PROFILE(shm::ShmBlock& block, const Field<16> (&words)[4]) {
   int profiled = profiledEncoders(block.get(Slot::ONVIF_MULTIPLE_STREAM));
   int shell = 0;
   bool listed = forEachEncoder(4, false, [&](const std::string& name, int k) {
-    std::vector<conf::Rule> rules;
-    if (k >= 1 && k <= profiled) rules.push_back(conf::set("H264Profile=", MapH264ProfileName(words[k - 1].c_str())));
-    shell = rewriteEncoder(routine, name, "START_SYNC_H264PROFILE:%s missing", rules).shell;
+    std::optional<std::string> profile;
+    if (k >= 1 && k <= profiled) profile = MapH264ProfileName(words[k - 1].c_str());
+    shell = rewriteEncoder(routine, name, "START_SYNC_H264PROFILE:%s missing",
+                           {conf::setOr("H264Profile=", profile)})
+                .shell;
     return true;
   });
   return listed ? shell : conf::logError("START_SYNC_H264PROFILE:%s missing", kVideoEncoderList);
