@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <ctime>
 
+#include "conf/files.h"
 #include "conf/lines.h"
 #include "recording/selftest.h"
 #include "sync/audio/audio.h"
@@ -182,8 +183,8 @@ void writeDebugLog(const char* label, shm::ShmBlock& block) {
   std::time_t now = std::time(nullptr);
   struct tm utc {};
   gmtime_r(&now, &utc);
-  std::FILE* f = conf::openCamera("/tmp/onvif/DebugLog", "a");
-  if (f == nullptr) f = conf::openCamera("/tmp/onvif/DebugLog", "w");
+  std::FILE* f = conf::openCamera(conf::kDebugLog, "a");
+  if (f == nullptr) f = conf::openCamera(conf::kDebugLog, "w");
   if (f != nullptr) {
     std::fprintf(f, "%02d:%02d:%02d %s\n", utc.tm_hour, utc.tm_min, utc.tm_sec, label);
     std::fclose(f);

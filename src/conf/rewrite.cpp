@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "conf/error_log.h"
+#include "conf/files.h"
 #include "conf/lines.h"
 #include "conf/paths.h"
 #include "conf/self_format.h"

@@ -8,6 +8,7 @@
 
 #include "conf/error_log.h"
 #include "conf/field.h"
+#include "conf/files.h"
 #include "conf/keys.h"
 #include "conf/lines.h"
 #include "conf/paths.h"
@@ -29,10 +30,8 @@ constexpr const char* kRoutine = "Update_Audio_Source";
 constexpr const char* kStreamRoutine = "Sync_AudioEncoder_By_StreamServer";
 constexpr const char* kAudioSourceConf = "/etc/sysconfig/audio_source.conf";
 constexpr const char* kAudioConf = "/etc/sysconfig/audio.conf";
-constexpr const char* kEncoderList = "/usr/apache/htdocs/onvif/AudioEncoder.conf";
 constexpr const char* kOutputList = "/usr/apache/htdocs/onvif/AudioOutput.conf";
 constexpr const char* kDecoderList = "/usr/apache/htdocs/onvif/AudioDecoder.conf";
-constexpr const char* kProfiles = "/tmp/onvif/Profiles.conf";
 constexpr const char* kStreamServerConf = "/home/ostrin2/StreamingServer/StreamServer.conf";
 constexpr const char* kStreamCtl = "/home/ostrin2/StreamingServer/streamctl";
 
@@ -189,24 +188,25 @@ void legacyEncoders(shm::ShmBlock& block, const WebAudio& web) {
       }),
   };
   Field<64> name;
-  if (!conf::forEachLine(kEncoderList, [&](const char* line) {
+  if (!conf::forEachLine(conf::kAudioEncoderList, [&](const char* line) {
         if (namesAudioEncoder(line)) conf::scan(line, "%s", name);
         if (name.empty()) return true;  // no record named yet
         code = 0;
-        if (rewriteRecord(conf::kLiveDir, name.str(), kRoutine, kMissing, rules).done()) setAudioCode(block, code);
+        if (rewriteRecord(conf::kLiveDir, name.str(), kRoutine, kMissing, rules).done())
+          setAudioCode(block, code);
         return true;
       }))
-    conf::logError(kMissing, kEncoderList);
+    conf::logError(kMissing, conf::kAudioEncoderList);
 }
 
 // Current path: only the first encoder is synchronised, codec and bit rate.
 void currentEncoder(shm::ShmBlock& block, const WebAudio& web) {
   Field<64> name;
-  if (!conf::forEachLine(kEncoderList, [&](const char* line) {
+  if (!conf::forEachLine(conf::kAudioEncoderList, [&](const char* line) {
         if (conf::holds(line, "AudioEncoder1.")) conf::scan(line, "%s", name);
         return false;
       })) {
-    conf::logError(kEncoderListMissing, kEncoderList);
+    conf::logError(kEncoderListMissing, conf::kAudioEncoderList);
     return;
   }
   if (name.empty()) return;
@@ -255,23 +255,28 @@ void currentPath(shm::ShmBlock& block, WebAudio& web) {
       conf::when(binding, bind("AudioSource=", "AudioSource1", off)),
   };
   int layout = block.get(Slot::ONVIF_MULTIPLE_STREAM);
-  if (!conf::forEachName(kProfiles, "profile filename=", "profile filename=%s\n", [&](const std::string& name) {
-        if (rewriteRecord(conf::kLiveDir, name, kRoutine, kMissing, rules).done()) runBackChannel(off, layout);
-        return true;
-      }))
-    conf::logError(kMissing, kProfiles);
+  if (!conf::forEachName(
+          conf::kProfileList, "profile filename=", "profile filename=%s\n",
+          [&](const std::string& name) {
+            if (rewriteRecord(conf::kLiveDir, name, kRoutine, kMissing, rules).done())
+              runBackChannel(off, layout);
+            return true;
+          }))
+    conf::logError(kMissing, conf::kProfileList);
 
   if (brand == 40) Sync_AudioEncoder_By_StreamServer();
 
   int outputs = 0;
   int decoders = 0;
-  if (!conf::forEachName(kProfiles, "profile filename=", "profile filename=%s\n", [&](const std::string& name) {
-        std::string path = conf::kLiveDir + name;
-        if (!conf::scanConf(path, {countUse("AudioOutput=", outputs), countUse("AudioDecoder=", decoders)}))
-          conf::logError(kCountMissing, path);
-        return true;
-      }))
-    conf::logError(kMissing, kProfiles);
+  if (!conf::forEachName(conf::kProfileList, "profile filename=", "profile filename=%s\n",
+                         [&](const std::string& name) {
+                           std::string path = conf::kLiveDir + name;
+                           if (!conf::scanConf(path, {countUse("AudioOutput=", outputs),
+                                                      countUse("AudioDecoder=", decoders)}))
+                             conf::logError(kCountMissing, path);
+                           return true;
+                         }))
+    conf::logError(kMissing, conf::kProfileList);
 
   syncOutputs(web.gain, std::to_string(outputs));
   rewriteListed(kDecoderList, {conf::set("UseCount=", std::to_string(decoders))});
@@ -329,11 +334,13 @@ int Sync_AudioEncoder_By_StreamServer() {
                    return Out::write(audioOn() ? "AudioEncoder=AudioEncoder1\n" : "AudioEncoder=NONE\n");
                  }),
   };
-  if (!conf::forEachName(kProfiles, "profile filename=", "profile filename=%s\n", [&](const std::string& name) {
-        rewriteRecord(conf::kLiveDir, name, kStreamRoutine, kStreamMissing, rules);
-        return true;
-      }))
-    conf::logError(kStreamMissing, kProfiles);
+  if (!conf::forEachName(conf::kProfileList, "profile filename=", "profile filename=%s\n",
+                         [&](const std::string& name) {
+                           rewriteRecord(conf::kLiveDir, name, kStreamRoutine, kStreamMissing,
+                                         rules);
+                           return true;
+                         }))
+    conf::logError(kStreamMissing, conf::kProfileList);
   return 0;
 }
 

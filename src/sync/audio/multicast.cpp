@@ -5,9 +5,9 @@
 
 #include "conf/error_log.h"
 #include "conf/field.h"
+#include "conf/files.h"
 #include "conf/keys.h"
 #include "conf/lines.h"
-#include "conf/paths.h"
 #include "conf/rewrite.h"
 #include "conf/scan.h"
 
@@ -22,9 +22,6 @@ namespace {
 
 constexpr const char* kRoutine = "Update_Multicast";
 constexpr const char* kVariableConf = "/etc/sysconfig/variable.conf";
-constexpr const char* kNetworkConf = "/etc/sysconfig/network.conf";
-constexpr const char* kVideoList = "/usr/apache/htdocs/onvif/VideoEncoder.conf";
-constexpr const char* kAudioList = "/usr/apache/htdocs/onvif/AudioEncoder.conf";
 constexpr const char* kAudioEncoder1 = "/tmp/onvif/AudioEncoder1.AEncoder";
 
 constexpr const char* kMissing = "Update_Multicast:%s missing!";
@@ -45,36 +42,38 @@ struct Rtp {
 // uses it, as the server expects.
 bool readRtp(Rtp& r) {
   const std::string k = "root.Network.RTP.R0.";
-  return conf::scanConf(
-      kNetworkConf,
-      {conf::str(k + "VideoAddress=", r.videoAddress),
-       conf::str(k + "H264VideoPort=", r.h264Port[0]),
-       conf::str(k + "H264VideoPort2=", r.h264Port[1]),
-       conf::str(k + "H264VideoPort3=", r.h264Port[2]),
-       conf::str(k + "H264VideoPort4=", r.h264Port[3]),
-       conf::str(k + "MjpegVideoPort=", r.mjpegPort),
-       conf::str(k + "MpegVideoPort=", r.mpegPort),
-       conf::str(k + "AudioPort=", r.audioPort),
-       conf::str(k + "TTL=", r.ttl),
-       conf::str(k + "AudioTTL=", r.audioTtl),
-       conf::str(k + "AudioAddress=", r.audioAddress),
-       conf::str(k + "MjpegVideoAddress=", r.mjpegAddress),
-       conf::str(k + "H264VideoAddress=", r.h264Address[0]),
-       conf::str(k + "H264VideoAddress2=", r.h264Address[1]),
-       conf::str(k + "H264VideoAddress3=", r.h264Address[2]),
-       conf::str(k + "H264VideoAddress4=", r.h264Address[3]),
-       conf::str(k + "H264AudioPort=", r.h264AudioPort[0]),
-       conf::str(k + "H264AudioPort2=", r.h264AudioPort[1]),
-       conf::str(k + "H264AudioPort3=", r.h264AudioPort[2]),
-       conf::str(k + "H264AudioPort4=", r.h264AudioPort[3]),
-       conf::str(k + "MjpegAudioPort=", r.mjpegAudioPort),
-       conf::str(k + "H264TTL=", r.h264Ttl[0]),
-       conf::str(k + "H264TTL2=", r.h264Ttl[1]),
-       conf::str(k + "H264TTL3=", r.h264Ttl[2]),
-       conf::on("r" + k + "H264TTL4=",
-                [&r](const char* line) { conf::scan(line, "root.Network.RTP.R0.H264TTL4=%s\n", r.h264Ttl[3]); }),
-       conf::str(k + "MjpegTTL=", r.mjpegTtl),
-       conf::str(k + "MjpegTTL2=", r.mjpegTtl2)});
+  return conf::scanConf(conf::kNetworkConf,
+                        {conf::str(k + "VideoAddress=", r.videoAddress),
+                         conf::str(k + "H264VideoPort=", r.h264Port[0]),
+                         conf::str(k + "H264VideoPort2=", r.h264Port[1]),
+                         conf::str(k + "H264VideoPort3=", r.h264Port[2]),
+                         conf::str(k + "H264VideoPort4=", r.h264Port[3]),
+                         conf::str(k + "MjpegVideoPort=", r.mjpegPort),
+                         conf::str(k + "MpegVideoPort=", r.mpegPort),
+                         conf::str(k + "AudioPort=", r.audioPort),
+                         conf::str(k + "TTL=", r.ttl),
+                         conf::str(k + "AudioTTL=", r.audioTtl),
+                         conf::str(k + "AudioAddress=", r.audioAddress),
+                         conf::str(k + "MjpegVideoAddress=", r.mjpegAddress),
+                         conf::str(k + "H264VideoAddress=", r.h264Address[0]),
+                         conf::str(k + "H264VideoAddress2=", r.h264Address[1]),
+                         conf::str(k + "H264VideoAddress3=", r.h264Address[2]),
+                         conf::str(k + "H264VideoAddress4=", r.h264Address[3]),
+                         conf::str(k + "H264AudioPort=", r.h264AudioPort[0]),
+                         conf::str(k + "H264AudioPort2=", r.h264AudioPort[1]),
+                         conf::str(k + "H264AudioPort3=", r.h264AudioPort[2]),
+                         conf::str(k + "H264AudioPort4=", r.h264AudioPort[3]),
+                         conf::str(k + "MjpegAudioPort=", r.mjpegAudioPort),
+                         conf::str(k + "H264TTL=", r.h264Ttl[0]),
+                         conf::str(k + "H264TTL2=", r.h264Ttl[1]),
+                         conf::str(k + "H264TTL3=", r.h264Ttl[2]),
+                         conf::on("r" + k + "H264TTL4=",
+                                  [&r](const char* line) {
+                                    conf::scan(line, "root.Network.RTP.R0.H264TTL4=%s\n",
+                                               r.h264Ttl[3]);
+                                  }),
+                         conf::str(k + "MjpegTTL=", r.mjpegTtl),
+                         conf::str(k + "MjpegTTL2=", r.mjpegTtl2)});
 }
 
 // A video stream, for its multicast address and port.
@@ -179,7 +178,7 @@ void layoutBranch(shm::ShmBlock& block, const Rtp& r) {
     rewriteRecord(kAudioEncoder1, kAudioMissing, multicast(r.audioAddress, portLine(r.audioPort), r.ttl));
     return;
   }
-  if (!conf::forEachName(kAudioList, "", "%s\n", [&](const std::string& name) {
+  if (!conf::forEachName(conf::kAudioEncoderList, "", "%s\n", [&](const std::string& name) {
         const Value* port = &r.h264AudioPort[0];
         const Value* ttl = &r.h264Ttl[0];
         for (const AudioRow& a : kAudioRows) {
@@ -192,7 +191,7 @@ void layoutBranch(shm::ShmBlock& block, const Rtp& r) {
                       multicast(r.audioAddress, portLine(*port), *ttl));
         return true;
       }))
-    conf::logError(kAudioMissing, kAudioList);
+    conf::logError(kAudioMissing, conf::kAudioEncoderList);
 }
 
 // Platform 5: each record's own "Encoding=" line, met before its port,
@@ -219,7 +218,7 @@ void codecBranch(const Rtp& r) {
 // channel choose its port.
 void listVariant(const Rtp& r, const Generation& g) {
   std::string missing = g.text(" nonbrand Update_Multicast video:%s missing!");
-  if (!conf::forEachName(kVideoList, "", "%s\n", [&](const std::string& name) {
+  if (!conf::forEachName(conf::kVideoEncoderList, "", "%s\n", [&](const std::string& name) {
         std::string path = conf::kLiveDir + name;
         Field<64> codec;
         int channel = 0;
@@ -234,7 +233,7 @@ void listVariant(const Rtp& r, const Generation& g) {
         rewriteRecord(path, missing, multicast(r.videoAddress, portLine(port), r.ttl));
         return true;
       }))
-    conf::logError(missing.c_str(), kVideoList);
+    conf::logError(missing.c_str(), conf::kVideoEncoderList);
 }
 
 // Brands 12 and above: the codec enable slots choose the records and ports.
@@ -260,12 +259,12 @@ void generationBranch(shm::ShmBlock& block, const Rtp& r, const Generation& g) {
     listVariant(r, g);
   else
     codecSlotVariant(block, r, g);
-  if (!conf::forEachName(kAudioList, "", "%s\n", [&](const std::string& name) {
+  if (!conf::forEachName(conf::kAudioEncoderList, "", "%s\n", [&](const std::string& name) {
         rewriteRecord(conf::kLiveDir + name, kGenerationAudioMissing,
                       multicast(r.videoAddress, portLine(r.audioPort), r.ttl));
         return true;
       }))
-    conf::logError(kGenerationAudioMissing, kAudioList);
+    conf::logError(kGenerationAudioMissing, conf::kAudioEncoderList);
 }
 
 enum class Platform { Unknown, Layout, Codec, SecondGeneration, FirstGeneration };
@@ -285,7 +284,7 @@ int Update_Multicast(shm::ShmBlock& block) {
   if (!conf::scanConf(kVariableConf, {conf::num("root.Variable.Videoprotocol=", protocol).first()}))
     conf::logError(kMissing, kVariableConf);
   Rtp r;
-  if (!readRtp(r)) return conf::logError(kMissing, kNetworkConf);
+  if (!readRtp(r)) return conf::logError(kMissing, conf::kNetworkConf);
 
   Platform platform = platformOf(block.get(Slot::ONVIF_DEVICE));
   if (platform == Platform::Unknown) return 0;

@@ -3,14 +3,15 @@
 #include <functional>
 #include <string>
 
-#include "conf/write_file.h"
 #include "conf/error_log.h"
 #include "conf/field.h"
+#include "conf/files.h"
 #include "conf/lines.h"
 #include "conf/paths.h"
 #include "conf/rewrite.h"
 #include "conf/scan.h"
 #include "conf/shell.h"
+#include "conf/write_file.h"
 
 namespace onvif {
 

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "conf/error_log.h"
+#include "conf/files.h"
 #include "conf/keys.h"
 #include "conf/lines.h"
 #include "conf/paths.h"
@@ -16,7 +17,6 @@ using shm::Slot;
 
 namespace {
 
-constexpr const char* kNetworkConf = "/etc/sysconfig/network.conf";
 constexpr const char* kSystemOnvifConf = "/etc/sysconfig/onvif.conf";
 constexpr const char* kEnvironment = "/tmp/envir.sh";
 constexpr const char* kAdministratorConf = "/tmp/onvif/tmp/administrator.conf";
@@ -59,9 +59,10 @@ int Update_Brask_OnvifSetting(shm::ShmBlock& block) {
   Field<8> discovery;
   Field<8> authentication;
   int shell = 0;
-  if (!conf::scanConf(kNetworkConf, {conf::str("root.Network.ONVIF.Discovery.Enabled=", discovery),
-                                     conf::str("root.Network.Authentication.ONVIF=", authentication)}))
-    shell = conf::logError("Update_Brask_OnvifSetting: %s missing", kNetworkConf);
+  if (!conf::scanConf(conf::kNetworkConf,
+                      {conf::str("root.Network.ONVIF.Discovery.Enabled=", discovery),
+                       conf::str("root.Network.Authentication.ONVIF=", authentication)}))
+    shell = conf::logError("Update_Brask_OnvifSetting: %s missing", conf::kNetworkConf);
 
   block.set(Slot::ONVIF_CHECK_PASSWORD, authentication.holds("disable") ? 0 : 1);
   bool off = discovery.holds("no");

@@ -6,14 +6,14 @@
 #include <iterator>
 #include <string>
 
-#include "conf/write_file.h"
 #include "conf/error_log.h"
 #include "conf/field.h"
+#include "conf/files.h"
 #include "conf/keys.h"
 #include "conf/lines.h"
-#include "conf/paths.h"
 #include "conf/rewrite.h"
 #include "conf/scan.h"
+#include "conf/write_file.h"
 #include "shm/segments.h"
 #include "sync/ptz/ptz_scopes.h"
 
@@ -31,7 +31,6 @@ constexpr const char* kIoList = "/usr/apache/htdocs/onvif/IO.conf";
 constexpr const char* kIoPtzList = "/usr/apache/htdocs/onvif/IOPTZ.conf";
 constexpr const char* kStorageConf = "/etc/sysconfig/storage.conf";
 constexpr const char* kRecordings = "/usr/apache/htdocs/onvif/Recordings.conf";
-constexpr const char* kNetworkConf = "/etc/sysconfig/network.conf";
 constexpr const char* kClinkConf = "/etc/sysconfig/clink.conf";
 constexpr const char* kRateControlConf = "/etc/sysconfig/image_ratecontrol.conf";
 constexpr const char* kSmartCompression = "/usr/apache/htdocs/onvif/SmartCompression.conf";
@@ -63,8 +62,6 @@ struct RecordingSource {
   unsigned char stream1, stream2;
 };
 constexpr RecordingSource kRecordingSources[] = {{"S1", 1, 0}, {"S2", 0, 1}, {"both", 1, 1}};
-constexpr std::size_t kStream1Flag = 0;
-constexpr std::size_t kStream2Flag = 3;
 
 constexpr const char* kCompressionLevels[] = {"low", "middle", "high"};
 
@@ -213,8 +210,8 @@ int Update_Recording_Channel(shm::ShmBlock&) {
   RecordingSource flags{"", 0, 0};
   for (const RecordingSource& s : kRecordingSources)
     if (source.is(s.source)) flags = s;
-  seg.bytes[kStream1Flag] = flags.stream1;
-  seg.bytes[kStream2Flag] = flags.stream2;
+  seg.bytes[shm::kStreamRecording1Byte] = flags.stream1;
+  seg.bytes[shm::kStreamRecording2Byte] = flags.stream2;
   shmdt(seg.bytes);
   return 0;
 }
@@ -222,8 +219,8 @@ int Update_Recording_Channel(shm::ShmBlock&) {
 int Change_Onvif_Path(shm::ShmBlock& block) {
   Field<64> path;
   int shell = 0;
-  if (!conf::scanConf(kNetworkConf, {conf::str("root.Network.ONVIF.DeviceIO.Path=", path)}))
-    shell = conf::logError("Change_Onvif_Path: %s missing", kNetworkConf);
+  if (!conf::scanConf(conf::kNetworkConf, {conf::str("root.Network.ONVIF.DeviceIO.Path=", path)}))
+    shell = conf::logError("Change_Onvif_Path: %s missing", conf::kNetworkConf);
   block.set(Slot::PATH_DEVICE_IO, path.holds("deviceIO") ? 1 : 0);
   return shell;
 }

@@ -6,8 +6,8 @@
 
 #include "conf/error_log.h"
 #include "conf/field.h"
+#include "conf/files.h"
 #include "conf/keys.h"
-#include "conf/paths.h"
 #include "conf/rewrite.h"
 #include "sync/network/timezone.h"
 
@@ -18,7 +18,6 @@ using shm::Slot;
 
 namespace {
 
-constexpr const char* kNetworkConf = "/etc/sysconfig/network.conf";
 constexpr const char* kTimeConf = "/etc/sysconfig/time_handler.conf";
 constexpr const char* kZoneConf = "/etc/sysconfig/systime.conf";
 constexpr const char* kHttpsConf = "/etc/sysconfig/https.conf";
@@ -59,19 +58,20 @@ void readNetwork(NetworkValues& v) {
     if (v.bootProto.is("dhcp")) v.dhcp = true;
     if (v.bootProto.is("none")) v.dhcp = false;
   };
-  if (!conf::scanConf(kNetworkConf, {
-                                        conf::on("root.Network.BootProto=", bootProto),
-                                        conf::str("root.Network.IPAddress=", v.address),
-                                        conf::str("root.Network.SubnetMask=", v.mask),
-                                        conf::str("root.Network.Routing.DefaultRouter=", v.router),
-                                        conf::str("root.Network.DNSServer1=", v.dns1),
-                                        conf::str("root.Network.DNSServer2=", v.dns2),
-                                        conf::str("root.Network.Port=", v.httpPort),
-                                        conf::str("root.Network.RTSP.Port=", v.rtspPort),
-                                        conf::str("root.Network.UPnP.FriendlyName=", v.friendlyName),
-                                        conf::rest("root.Network.HostName=", v.hostName),
-                                        conf::str("root.Network.Interface.I0.Link.MTU=", v.mtu),
-                                    }))
+  if (!conf::scanConf(conf::kNetworkConf,
+                      {
+                          conf::on("root.Network.BootProto=", bootProto),
+                          conf::str("root.Network.IPAddress=", v.address),
+                          conf::str("root.Network.SubnetMask=", v.mask),
+                          conf::str("root.Network.Routing.DefaultRouter=", v.router),
+                          conf::str("root.Network.DNSServer1=", v.dns1),
+                          conf::str("root.Network.DNSServer2=", v.dns2),
+                          conf::str("root.Network.Port=", v.httpPort),
+                          conf::str("root.Network.RTSP.Port=", v.rtspPort),
+                          conf::str("root.Network.UPnP.FriendlyName=", v.friendlyName),
+                          conf::rest("root.Network.HostName=", v.hostName),
+                          conf::str("root.Network.Interface.I0.Link.MTU=", v.mtu),
+                      }))
     conf::logError("[Update_Network]SYSTEM_NETWORK_CONFIG missing");
 
   if (!conf::scanConf(kTimeConf, {conf::str("root.Time.NTP.Server=", v.ntpServer),
@@ -155,9 +155,9 @@ int Update_IPAddr(shm::ShmBlock&) {
   Field<64> address;
   Field<64> mask;
   // Reading stops at the first mask line: an address after it is not seen.
-  if (!conf::scanConf(kNetworkConf, {conf::str("root.Network.SubnetMask=", mask).first(),
-                                     conf::str("root.Network.IPAddress=", address)}))
-    conf::logError("[Update_IPAddr] %s missing", kNetworkConf);
+  if (!conf::scanConf(conf::kNetworkConf, {conf::str("root.Network.SubnetMask=", mask).first(),
+                                           conf::str("root.Network.IPAddress=", address)}))
+    conf::logError("[Update_IPAddr] %s missing", conf::kNetworkConf);
   const std::string prefix = prefixText(mask.c_str());
 
   // The live copy alone: the persistent copy is left as it is.
@@ -177,11 +177,12 @@ int Update_IPAddr(shm::ShmBlock&) {
 int Update_IPV6(shm::ShmBlock& block) {
   Field<32> enabled;
   bool found = false;
-  if (!conf::scanConf(kNetworkConf, {conf::on("root.Network.IPv6.Enabled=", [&](const char* line) {
-                                       conf::scan(line, "root.Network.IPv6.Enabled=%s\n", enabled);
-                                       found = true;
-                                     }).first()}))
-    return conf::logError("Update_IPV6: %s missing", kNetworkConf);
+  if (!conf::scanConf(conf::kNetworkConf,
+                      {conf::on("root.Network.IPv6.Enabled=", [&](const char* line) {
+                         conf::scan(line, "root.Network.IPv6.Enabled=%s\n", enabled);
+                         found = true;
+                       }).first()}))
+    return conf::logError("Update_IPV6: %s missing", conf::kNetworkConf);
   if (found) block.set(Slot::ONVIF_IPV6_STATUS, enabled.is("yes") ? 2 : 3);
   return 0;
 }

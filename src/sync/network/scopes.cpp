@@ -4,8 +4,8 @@
 
 #include "conf/error_log.h"
 #include "conf/field.h"
+#include "conf/files.h"
 #include "conf/keys.h"
-#include "conf/paths.h"
 #include "conf/rewrite.h"
 
 namespace onvif {
@@ -14,7 +14,6 @@ using conf::Field;
 
 namespace {
 
-constexpr const char* kNetworkConf = "/etc/sysconfig/network.conf";
 constexpr const char* kLocationConf = "/etc/sysconfig/location.conf";
 constexpr const char* kNameScope = "FixedScopes=onvif://www.onvif.org/name/";
 constexpr const char* kLocationScope = "ConfigurableScopes=onvif://www.onvif.org/location/";
@@ -26,8 +25,8 @@ int Update_Hostname_To_Scopes(shm::ShmBlock& block) {
     return conf::logError("Update_Hostname_To_Scopes is only for Orvane & Quillon");
 
   Field<64> hostName;
-  if (!conf::scanConf(kNetworkConf, {conf::rest("root.Network.HostName=", hostName).first()}))
-    conf::logError("Update_Hostname_To_Scopes %s missing", kNetworkConf);
+  if (!conf::scanConf(conf::kNetworkConf, {conf::rest("root.Network.HostName=", hostName).first()}))
+    conf::logError("Update_Hostname_To_Scopes %s missing", conf::kNetworkConf);
   Field<64> location;
   location = "country";
   if (!conf::scanConf(kLocationConf, {conf::rest("root.Orvane.Location=", location).first()}))

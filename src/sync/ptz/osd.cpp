@@ -10,7 +10,6 @@
 #include "conf/field.h"
 #include "conf/keys.h"
 #include "conf/lines.h"
-#include "conf/paths.h"
 #include "conf/rewrite.h"
 #include "conf/shell.h"
 

@@ -3,8 +3,8 @@
 #include <string>
 
 #include "conf/error_log.h"
+#include "conf/files.h"
 #include "conf/lines.h"
-#include "conf/paths.h"
 #include "conf/rewrite.h"
 
 namespace onvif {
@@ -13,7 +13,6 @@ namespace {
 
 constexpr const char* kStreamingScope = "FixedScopes=onvif://www.onvif.org/Profile/Streaming";
 constexpr const char* kPtzScope = "FixedScopes=onvif://www.onvif.org/type/ptz";
-constexpr const char* kProfiles = "/tmp/onvif/Profiles.conf";
 
 }  // namespace
 
@@ -43,14 +42,14 @@ void update_onvif_profile_ptzconf(int ptz) {
   const std::string routine = "update_onvif_profile_ptzconf";
   const std::string missing = routine + ":%s missing";
   const char* binding = ptz == 1 ? "PTZ=PTZConf1\n" : "PTZ=NONE\n";
-  if (!conf::forEachName(kProfiles, "profile filename=", "profile filename=%s\n",
+  if (!conf::forEachName(conf::kProfileList, "profile filename=", "profile filename=%s\n",
                          [&](const std::string& name) {
                            // A missing record is logged; the next profile is processed.
                            conf::rewrite(conf::inPlace(routine, conf::kLiveDir + name, missing),
                                          {conf::fixed("PTZ=", binding)});
                            return true;
                          }))
-    conf::logError(missing.c_str(), kProfiles);
+    conf::logError(missing.c_str(), conf::kProfileList);
 }
 
 }  // namespace onvif

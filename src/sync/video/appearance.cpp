@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "conf/error_log.h"
+#include "conf/files.h"
 #include "conf/keys.h"
 #include "conf/lines.h"
-#include "conf/paths.h"
 #include "conf/rewrite.h"
 #include "sync/video/encoders.h"
 #include "sync/video/resolution.h"
@@ -22,7 +22,6 @@ using shm::Slot;
 namespace {
 
 constexpr const char* kRoutine = "Update_Imapge_Appearance";
-constexpr const char* kProfileList = "/tmp/onvif/Profiles.conf";
 constexpr const char* kAppMissing = "[Update_Imapge_Appearance]SYSTEM_IMAGE_APP_CONFIG missing";
 constexpr const char* kListMissing = "[Update_Imapge_Appearance]ONVIF_VIDEO_ENCODER_CONF missing";
 constexpr const char* kEncoderMissing = "[Update_Imapge_Appearance]ONVIF_VIDEO_ENCODER_X missing";
@@ -48,32 +47,35 @@ bool readAppearance(Appearance& a, Shape shape) {
       : shape == Shape::Four ? "root.Image.I0.Appearance.Resolution=%[^','],%[^','],%[^','],%[^'\n']"
                              : "root.Image.I0.Appearance.Resolution=%[^','],%[^','],%[^'\n']";
   const std::string p = "root.Image.I0.Appearance.";
-  bool found = conf::scanConf(kImageAppearanceConf, {
-      conf::rest(p + "MjpegQfactor=", a.mjpegQ),
-      conf::rest(p + "Mjpeg_2Qfactor=", a.mjpeg2Q),
-      conf::rest(p + "H264Bitrate=", a.bitrate[0]),
-      conf::rest(p + "H264_2Bitrate=", a.bitrate[1]),
-      conf::rest(p + "H264_3Bitrate=", a.bitrate[2]),
-      conf::rest(p + "H264_4Bitrate=", a.bitrate[3]),
-      conf::rest(p + "Mpeg4Bitrate=", a.mpeg4Bitrate),
-      conf::on(p + "Resolution=", [&](const char* line) {
-        conf::scan(line, pattern, a.names[0], a.names[1], a.names[2], a.names[3], a.names[4]);
-      }),
-      conf::rest(p + "H264VideoKeyFrameInterval=", a.gov[0]),
-      conf::rest(p + "H264_2VideoKeyFrameInterval=", a.gov[1]),
-      conf::rest(p + "H264_3VideoKeyFrameInterval=", a.gov[2]),
-      conf::rest(p + "H264_4VideoKeyFrameInterval=", a.gov[3]),
-      conf::rest(p + "Mpeg4VideoKeyFrameInterval=", a.mpeg4Gov),
-      conf::rest(p + "EncodeType=", a.encodeType),
-      conf::rest(p + "H264Profile=", a.profile[0]),
-      conf::rest(p + "H264_2Profile=", a.profile[1]),
-      conf::rest(p + "H264_3Profile=", a.profile[2]),
-      conf::rest(p + "H264_4Profile=", a.profile[3]),
-      conf::rest(p + "H264Quality=", a.h264Quality[0]),
-      conf::rest(p + "H264_2Quality=", a.h264Quality[1]),
-      conf::rest(p + "H264_3Quality=", a.h264Quality[2]),
-      conf::rest(p + "H264_4Quality=", a.h264Quality[3]),
-  });
+  bool found = conf::scanConf(conf::kImageAppearanceConf,
+                              {
+                                  conf::rest(p + "MjpegQfactor=", a.mjpegQ),
+                                  conf::rest(p + "Mjpeg_2Qfactor=", a.mjpeg2Q),
+                                  conf::rest(p + "H264Bitrate=", a.bitrate[0]),
+                                  conf::rest(p + "H264_2Bitrate=", a.bitrate[1]),
+                                  conf::rest(p + "H264_3Bitrate=", a.bitrate[2]),
+                                  conf::rest(p + "H264_4Bitrate=", a.bitrate[3]),
+                                  conf::rest(p + "Mpeg4Bitrate=", a.mpeg4Bitrate),
+                                  conf::on(p + "Resolution=",
+                                           [&](const char* line) {
+                                             conf::scan(line, pattern, a.names[0], a.names[1],
+                                                        a.names[2], a.names[3], a.names[4]);
+                                           }),
+                                  conf::rest(p + "H264VideoKeyFrameInterval=", a.gov[0]),
+                                  conf::rest(p + "H264_2VideoKeyFrameInterval=", a.gov[1]),
+                                  conf::rest(p + "H264_3VideoKeyFrameInterval=", a.gov[2]),
+                                  conf::rest(p + "H264_4VideoKeyFrameInterval=", a.gov[3]),
+                                  conf::rest(p + "Mpeg4VideoKeyFrameInterval=", a.mpeg4Gov),
+                                  conf::rest(p + "EncodeType=", a.encodeType),
+                                  conf::rest(p + "H264Profile=", a.profile[0]),
+                                  conf::rest(p + "H264_2Profile=", a.profile[1]),
+                                  conf::rest(p + "H264_3Profile=", a.profile[2]),
+                                  conf::rest(p + "H264_4Profile=", a.profile[3]),
+                                  conf::rest(p + "H264Quality=", a.h264Quality[0]),
+                                  conf::rest(p + "H264_2Quality=", a.h264Quality[1]),
+                                  conf::rest(p + "H264_3Quality=", a.h264Quality[2]),
+                                  conf::rest(p + "H264_4Quality=", a.h264Quality[3]),
+                              });
   if (!found) conf::logError(kAppMissing);
   return found;
 }
@@ -372,22 +374,23 @@ int JpegQuality(int factor) {
 
 void Sync_VideoEncoderUseCount(std::array<std::string, 4>& counts) {
   int uses[4] = {};
-  bool listed = conf::forEachName(kProfileList, "", "profile filename=%s\n", [&](const std::string& name) {
-    std::string path = std::string(conf::kLiveDir) + name;
-    Field<64> encoder;
-    if (!conf::scanConf(path, {conf::str("VideoEncoder=", encoder).first()})) {
-      conf::logError("Sync_VideoEncoderUseCount %s missing", path);
-      return true;
-    }
-    for (int k = 1; k <= 4; ++k) {
-      if (encoder.holds(("VideoEncoder" + std::to_string(k)).c_str())) {
-        ++uses[k - 1];
-        break;
-      }
-    }
-    return true;
-  });
-  if (!listed) conf::logError("Sync_VideoEncoderUseCount:%s missing", kProfileList);
+  bool listed = conf::forEachName(
+      conf::kProfileList, "", "profile filename=%s\n", [&](const std::string& name) {
+        std::string path = std::string(conf::kLiveDir) + name;
+        Field<64> encoder;
+        if (!conf::scanConf(path, {conf::str("VideoEncoder=", encoder).first()})) {
+          conf::logError("Sync_VideoEncoderUseCount %s missing", path);
+          return true;
+        }
+        for (int k = 1; k <= 4; ++k) {
+          if (encoder.holds(("VideoEncoder" + std::to_string(k)).c_str())) {
+            ++uses[k - 1];
+            break;
+          }
+        }
+        return true;
+      });
+  if (!listed) conf::logError("Sync_VideoEncoderUseCount:%s missing", conf::kProfileList);
   for (int k = 0; k < 4; ++k) counts[k] = std::to_string(uses[k]);
 }
 
@@ -396,18 +399,22 @@ int CheckResolutionToAddOrMinusVideoEncoderInProfile(shm::ShmBlock& block) {
   int bound = boundEncoders(block.get(Slot::ONVIF_MULTIPLE_STREAM));
   bool audioToo = block.get(Slot::ONVIF_BRAND) == 28;
   int shell = 0;
-  bool listed = conf::forEachName(kProfileList, "", "profile filename=%s\n", [&](const std::string& name) {
-    int p = profileNumber(name);
-    auto bindTo = [&](const char* kind) { return p <= bound ? kind + std::to_string(p) : std::string("NONE"); };
-    const bool bind = bound > 0 && p > 0;
-    shell = conf::rewrite(
+  bool listed = conf::forEachName(
+      conf::kProfileList, "", "profile filename=%s\n", [&](const std::string& name) {
+        int p = profileNumber(name);
+        auto bindTo = [&](const char* kind) {
+          return p <= bound ? kind + std::to_string(p) : std::string("NONE");
+        };
+        const bool bind = bound > 0 && p > 0;
+        shell =
+            conf::rewrite(
                 conf::inPlace(routine, conf::kLiveDir + name, routine + " %s missing"),
                 {conf::when(bind, conf::set("VideoEncoder=", bindTo("VideoEncoder"))),
                  conf::when(bind && audioToo, conf::set("AudioEncoder=", bindTo("AudioEncoder")))})
                 .shell;
-    return true;
-  });
-  return listed ? shell : conf::logError((routine + " %s missing").c_str(), kProfileList);
+        return true;
+      });
+  return listed ? shell : conf::logError((routine + " %s missing").c_str(), conf::kProfileList);
 }
 
 int Update_Imapge_Appearance(int multiStream, int videoType, int device, shm::ShmBlock& block) {

@@ -3,9 +3,9 @@
 #include <cstring>
 #include <string>
 
+#include "conf/files.h"
 #include "conf/keys.h"
 #include "conf/lines.h"
-#include "conf/paths.h"
 #include "conf/scan.h"
 
 namespace onvif {
@@ -17,7 +17,7 @@ int encoderNumber(const char* text, int maxK) {
 }
 
 bool forEachEncoder(int maxK, bool onlyNumbered, const std::function<bool(const std::string&, int)>& fn) {
-  return conf::forEachLine(kVideoEncoderList, [&](const char* line) {
+  return conf::forEachLine(conf::kVideoEncoderList, [&](const char* line) {
     int k = encoderNumber(line, maxK);
     if (onlyNumbered && k == 0) return true;
     conf::Field<64> name;

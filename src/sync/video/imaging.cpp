@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "conf/error_log.h"
+#include "conf/files.h"
 #include "conf/keys.h"
 #include "conf/lines.h"
-#include "conf/paths.h"
 #include "conf/rewrite.h"
 #include "sync/video/encoders.h"
 
@@ -21,7 +21,6 @@ using shm::Slot;
 namespace {
 
 constexpr const char* kRoutine = "Update_Imapge_Source";
-constexpr const char* kImageSourceConf = "/etc/sysconfig/image_source.conf";
 constexpr const char* kIrConf = "/etc/sysconfig/ir.conf";
 constexpr const char* kVideoSourceList = "/usr/apache/htdocs/onvif/VideoSource.conf";
 
@@ -33,22 +32,23 @@ struct Sensor {
 
 bool readSensor(Sensor& s) {
   const std::string p = "root.ImageSource.I0.";
-  return conf::scanConf(kImageSourceConf, {
-      conf::rest(p + "Sensor.WhiteBalance=", s.whiteBalance),
-      conf::rest(p + "Sensor.WhiteBalance.Rgain=", s.rgain),
-      conf::rest(p + "Sensor.WhiteBalance.Bgain=", s.bgain),
-      conf::rest(p + "Sensor.Backlight=", s.backlight),
-      conf::rest(p + "Sensor.Brightness=", s.brightness),
-      conf::rest(p + "Sensor.Sharpness=", s.sharpness),
-      conf::rest(p + "Sensor.Contrast=", s.contrast),
-      conf::rest(p + "Sensor.ColorLevel=", s.colorLevel),
-      conf::rest(p + "Sensor.Wdr=", s.wdr),
-      conf::rest(p + "Sensor.ShutterWdr=", s.shutterWdr),
-      conf::rest(p + "Sensor.ICR=", s.icr),
-      conf::rest(p + "Sensor.Exposure=", s.exposure),
-      conf::rest(p + "Video.DetectedType=", s.detectedType),
-      conf::rest(p + "Sensor.Exposure.ManualPreset.AGCGain=", s.agcGain),
-  });
+  return conf::scanConf(conf::kImageSourceConf,
+                        {
+                            conf::rest(p + "Sensor.WhiteBalance=", s.whiteBalance),
+                            conf::rest(p + "Sensor.WhiteBalance.Rgain=", s.rgain),
+                            conf::rest(p + "Sensor.WhiteBalance.Bgain=", s.bgain),
+                            conf::rest(p + "Sensor.Backlight=", s.backlight),
+                            conf::rest(p + "Sensor.Brightness=", s.brightness),
+                            conf::rest(p + "Sensor.Sharpness=", s.sharpness),
+                            conf::rest(p + "Sensor.Contrast=", s.contrast),
+                            conf::rest(p + "Sensor.ColorLevel=", s.colorLevel),
+                            conf::rest(p + "Sensor.Wdr=", s.wdr),
+                            conf::rest(p + "Sensor.ShutterWdr=", s.shutterWdr),
+                            conf::rest(p + "Sensor.ICR=", s.icr),
+                            conf::rest(p + "Sensor.Exposure=", s.exposure),
+                            conf::rest(p + "Video.DetectedType=", s.detectedType),
+                            conf::rest(p + "Sensor.Exposure.ManualPreset.AGCGain=", s.agcGain),
+                        });
 }
 
 using Words = std::vector<const char*>;

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "conf/error_log.h"
+#include "conf/files.h"
 #include "conf/keys.h"
-#include "conf/paths.h"
 #include "conf/rewrite.h"
 #include "sync/video/encoders.h"
 
@@ -19,7 +19,6 @@ using shm::Slot;
 namespace {
 
 constexpr const char* kVideoSourceConfig = "/tmp/onvif/VideoSource1.VSConf";
-constexpr const char* kImageSourceConf = "/etc/sysconfig/image_source.conf";
 
 // Rotation words, their ONVIF_ROTATE_MODE code and what the video source
 // configuration shows. An unrotated image ("0") is written as RotateMode=ON
@@ -67,10 +66,11 @@ int RotationCode(const char* word) {
 
 int Update_Flip_Vision(shm::ShmBlock& block) {
   Field<32> word;
-  if (conf::scanConf(kImageAppearanceConf, {conf::str("root.Image.I0.Appearance.Rotation=", word)}))
+  if (conf::scanConf(conf::kImageAppearanceConf,
+                     {conf::str("root.Image.I0.Appearance.Rotation=", word)}))
     block.set(Slot::ONVIF_ROTATE_MODE, RotationCode(word.c_str()));
   else
-    conf::logError("[Update_Flip_Vision] %s missing", kImageAppearanceConf);
+    conf::logError("[Update_Flip_Vision] %s missing", conf::kImageAppearanceConf);
 
   // Without the web file the configuration follows the code the slot keeps.
   const RotationRow& row = rotationOf(block.get(Slot::ONVIF_ROTATE_MODE));
@@ -85,8 +85,9 @@ int Update_Flip_Vision(shm::ShmBlock& block) {
 
 int Update_PTZ_Image_Flip(shm::ShmBlock& block) {
   Field<32> flip;
-  if (!conf::scanConf(kImageSourceConf, {conf::str("root.ImageSource.I0.Sensor.Flip=", flip).first()}))
-    return conf::logError("Update_PTZ_Image_Flip %s missing", kImageSourceConf);
+  if (!conf::scanConf(conf::kImageSourceConf,
+                      {conf::str("root.ImageSource.I0.Sensor.Flip=", flip).first()}))
+    return conf::logError("Update_PTZ_Image_Flip %s missing", conf::kImageSourceConf);
   block.set(Slot::ONVIF_IMAGE_FLIP, flip.is("Image") ? 1 : 0);
   return 0;
 }
@@ -94,11 +95,11 @@ int Update_PTZ_Image_Flip(shm::ShmBlock& block) {
 int Update_H264Profile(shm::ShmBlock& block) {
   Field<16> words[4];
   const std::string p = "root.Image.I0.Appearance.";
-  if (!conf::scanConf(kImageAppearanceConf, {conf::str(p + "H264Profile=", words[0]),
-                                             conf::str(p + "H264_2Profile=", words[1]),
-                                             conf::str(p + "H264_3Profile=", words[2]),
-                                             conf::str(p + "H264_4Profile=", words[3])}))
-    conf::logError("[Update_H264Profile]%s missing", kImageAppearanceConf);
+  if (!conf::scanConf(
+          conf::kImageAppearanceConf,
+          {conf::str(p + "H264Profile=", words[0]), conf::str(p + "H264_2Profile=", words[1]),
+           conf::str(p + "H264_3Profile=", words[2]), conf::str(p + "H264_4Profile=", words[3])}))
+    conf::logError("[Update_H264Profile]%s missing", conf::kImageAppearanceConf);
   return START_SYNC_H264PROFILE(block, words);
 }
 
@@ -114,13 +115,14 @@ int START_SYNC_H264PROFILE(shm::ShmBlock& block, const Field<16> (&words)[4]) {
                 .shell;
     return true;
   });
-  return listed ? shell : conf::logError("START_SYNC_H264PROFILE:%s missing", kVideoEncoderList);
+  return listed ? shell
+                : conf::logError("START_SYNC_H264PROFILE:%s missing", conf::kVideoEncoderList);
 }
 
 int Update_EncodingPriority(shm::ShmBlock&) {
   const std::string routine = "Update_EncodingPriority";
-  if (!conf::scanConf(kImageAppearanceConf, {}))
-    return conf::logError("[Update_EncodingPriority]%s missing", kImageAppearanceConf);
+  if (!conf::scanConf(conf::kImageAppearanceConf, {}))
+    return conf::logError("[Update_EncodingPriority]%s missing", conf::kImageAppearanceConf);
   int shell = 0;
   bool listed = forEachEncoder(0, false, [&](const std::string& name, int) {
     Field<16> codec;  // the "Encoding=" value seen so far in this record
@@ -137,7 +139,8 @@ int Update_EncodingPriority(shm::ShmBlock&) {
     shell = r.shell;
     return r.status != conf::Status::SourceMissing;
   });
-  return listed ? shell : conf::logError("[Update_EncodingPriority]%s missing", kVideoEncoderList);
+  return listed ? shell
+                : conf::logError("[Update_EncodingPriority]%s missing", conf::kVideoEncoderList);
 }
 
 }  // namespace onvif
