@@ -122,7 +122,7 @@ const SyncCommand kCommands[] = {
     {14, Frame::Standard, "WEB Update_PresetTour", [](SyncArgs& a) { return onvif::Update_PresetTour(a.block); }},
     {15, Frame::Standard, "WEB Update_H264Profile", [](SyncArgs& a) { return onvif::Update_H264Profile(a.block); }},
     {16, Frame::Standard, "WEB Update_OSD", [](SyncArgs& a) { return onvif::Update_OSD(a.block); }},
-    {17, Frame::NoWaitNoLog, nullptr, sendPtzControl},
+    {17, Frame::None, nullptr, sendPtzControl},
     {18, Frame::Standard, "WEB Update_Recording", [](SyncArgs& a) { return onvif::Update_Recording(a.block); }},
     {19, Frame::Standard, "WEB Update_EncodingPriority",
      [](SyncArgs& a) { return onvif::Update_EncodingPriority(a.block); }},
@@ -221,7 +221,6 @@ int dispatch(int number, shm::ShmBlock& block) {
       protectWait(block, Slot::WEB_SYNC_PROTECT);
       result = run();
       break;
-    case Frame::NoWaitNoLog:
     case Frame::None:
       result = run();
       break;
