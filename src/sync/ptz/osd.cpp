@@ -17,7 +17,6 @@ namespace onvif {
 
 using conf::Field;
 using conf::Out;
-using shm::Slot;
 
 namespace {
 
@@ -176,17 +175,16 @@ bool isRecordName(const std::string& token) {
          kOsdDir + token + ".osdconf" != kOsdTemplate;
 }
 
-bool recordExists(const std::string& token) {
-  std::FILE* f = conf::openCamera(kOsdDir + token + ".osdconf", "r");
-  if (f == nullptr) return false;
-  std::fclose(f);
-  return true;
-}
+}  // namespace
 
-// The generic path. The records are brought up to date first, then the list
-// is rewritten to name them, and only then are the records of disabled
-// elements removed, so the list never names a record that is not there.
-int updateOsdGeneric(shm::ShmBlock&) {
+// The records are brought up to date first, then the list is rewritten to
+// name them, and only then are the records of disabled elements removed, so
+// the list never names a record that is not there.
+//
+// Brands 16 and 62 (one variant), 23 and 42 have variants of their own on the
+// camera; what they do differently is not known, so every brand takes this
+// path until it is.
+int Update_OSD(shm::ShmBlock&) {
   TextSettings s;
   if (!readSettings(s)) return conf::logError(kMissing, kImageText);
 
@@ -207,7 +205,7 @@ int updateOsdGeneric(shm::ShmBlock&) {
   int shell = 0;
   for (std::size_t p = 0; p < elems.size() && p < listed.size(); ++p) {
     const std::string& old = listed[p];
-    bool had = isRecordName(old) && recordExists(old);
+    bool had = isRecordName(old) && conf::exists(kOsdDir + old + ".osdconf");
     if (!elems[p].enabled) {
       tokens[p] = kNull;
       if (had) removals.push_back(old);
@@ -239,21 +237,6 @@ int updateOsdGeneric(shm::ShmBlock&) {
   return shell;
 }
 
-// Brands with a variant of their own. What their variants do differently is
-// not known yet; each takes the generic path until it is.
-struct OsdVariant {
-  int brand;
-  int (*run)(shm::ShmBlock&);
-};
-const OsdVariant kVariants[] = {
-    {16, updateOsdGeneric},  // shares its variant with 62
-    {62, updateOsdGeneric},
-    {23, updateOsdGeneric},
-    {42, updateOsdGeneric},
-};
-
-}  // namespace
-
 YCbCr ycbcrFromRgb(int r, int g, int b) {
   auto clamp = [](double v) { return std::clamp(v, 0.0, 255.0); };
   return YCbCr{clamp(0.299 * r + 0.587 * g + 0.114 * b),
@@ -274,13 +257,6 @@ std::optional<YCbCr> osdColour(const std::string& name) {
   for (const Named& c : kColours)
     if (name == c.name) return ycbcrFromRgb(c.r, c.g, c.b);
   return std::nullopt;
-}
-
-int Update_OSD(shm::ShmBlock& block) {
-  int brand = block.get(Slot::ONVIF_BRAND);
-  for (const OsdVariant& v : kVariants)
-    if (v.brand == brand) return v.run(block);
-  return updateOsdGeneric(block);
 }
 
 }  // namespace onvif

@@ -7,6 +7,7 @@
 #include "conf/error_log.h"
 #include "conf/files.h"
 #include "conf/keys.h"
+#include "conf/lines.h"
 #include "conf/rewrite.h"
 #include "sync/video/encoders.h"
 
@@ -121,7 +122,7 @@ int START_SYNC_H264PROFILE(shm::ShmBlock& block, const Field<16> (&words)[4]) {
 
 int Update_EncodingPriority(shm::ShmBlock&) {
   const std::string routine = "Update_EncodingPriority";
-  if (!conf::scanConf(conf::kImageAppearanceConf, {}))
+  if (!conf::exists(conf::kImageAppearanceConf))
     return conf::logError("[Update_EncodingPriority]%s missing", conf::kImageAppearanceConf);
   int shell = 0;
   bool listed = forEachEncoder(0, false, [&](const std::string& name, int) {
