@@ -47,35 +47,32 @@ bool readAppearance(Appearance& a, Shape shape) {
       : shape == Shape::Four ? "root.Image.I0.Appearance.Resolution=%[^','],%[^','],%[^','],%[^'\n']"
                              : "root.Image.I0.Appearance.Resolution=%[^','],%[^','],%[^'\n']";
   const std::string p = "root.Image.I0.Appearance.";
-  bool found = conf::scanConf(conf::kImageAppearanceConf,
-                              {
-                                  conf::rest(p + "MjpegQfactor=", a.mjpegQ),
-                                  conf::rest(p + "Mjpeg_2Qfactor=", a.mjpeg2Q),
-                                  conf::rest(p + "H264Bitrate=", a.bitrate[0]),
-                                  conf::rest(p + "H264_2Bitrate=", a.bitrate[1]),
-                                  conf::rest(p + "H264_3Bitrate=", a.bitrate[2]),
-                                  conf::rest(p + "H264_4Bitrate=", a.bitrate[3]),
-                                  conf::rest(p + "Mpeg4Bitrate=", a.mpeg4Bitrate),
-                                  conf::on(p + "Resolution=",
-                                           [&](const char* line) {
-                                             conf::scan(line, pattern, a.names[0], a.names[1],
-                                                        a.names[2], a.names[3], a.names[4]);
-                                           }),
-                                  conf::rest(p + "H264VideoKeyFrameInterval=", a.gov[0]),
-                                  conf::rest(p + "H264_2VideoKeyFrameInterval=", a.gov[1]),
-                                  conf::rest(p + "H264_3VideoKeyFrameInterval=", a.gov[2]),
-                                  conf::rest(p + "H264_4VideoKeyFrameInterval=", a.gov[3]),
-                                  conf::rest(p + "Mpeg4VideoKeyFrameInterval=", a.mpeg4Gov),
-                                  conf::rest(p + "EncodeType=", a.encodeType),
-                                  conf::rest(p + "H264Profile=", a.profile[0]),
-                                  conf::rest(p + "H264_2Profile=", a.profile[1]),
-                                  conf::rest(p + "H264_3Profile=", a.profile[2]),
-                                  conf::rest(p + "H264_4Profile=", a.profile[3]),
-                                  conf::rest(p + "H264Quality=", a.h264Quality[0]),
-                                  conf::rest(p + "H264_2Quality=", a.h264Quality[1]),
-                                  conf::rest(p + "H264_3Quality=", a.h264Quality[2]),
-                                  conf::rest(p + "H264_4Quality=", a.h264Quality[3]),
-                              });
+  bool found = conf::scanConf(conf::kImageAppearanceConf, {
+      conf::rest(p + "MjpegQfactor=", a.mjpegQ),
+      conf::rest(p + "Mjpeg_2Qfactor=", a.mjpeg2Q),
+      conf::rest(p + "H264Bitrate=", a.bitrate[0]),
+      conf::rest(p + "H264_2Bitrate=", a.bitrate[1]),
+      conf::rest(p + "H264_3Bitrate=", a.bitrate[2]),
+      conf::rest(p + "H264_4Bitrate=", a.bitrate[3]),
+      conf::rest(p + "Mpeg4Bitrate=", a.mpeg4Bitrate),
+      conf::on(p + "Resolution=", [&](const char* line) {
+        conf::scan(line, pattern, a.names[0], a.names[1], a.names[2], a.names[3], a.names[4]);
+      }),
+      conf::rest(p + "H264VideoKeyFrameInterval=", a.gov[0]),
+      conf::rest(p + "H264_2VideoKeyFrameInterval=", a.gov[1]),
+      conf::rest(p + "H264_3VideoKeyFrameInterval=", a.gov[2]),
+      conf::rest(p + "H264_4VideoKeyFrameInterval=", a.gov[3]),
+      conf::rest(p + "Mpeg4VideoKeyFrameInterval=", a.mpeg4Gov),
+      conf::rest(p + "EncodeType=", a.encodeType),
+      conf::rest(p + "H264Profile=", a.profile[0]),
+      conf::rest(p + "H264_2Profile=", a.profile[1]),
+      conf::rest(p + "H264_3Profile=", a.profile[2]),
+      conf::rest(p + "H264_4Profile=", a.profile[3]),
+      conf::rest(p + "H264Quality=", a.h264Quality[0]),
+      conf::rest(p + "H264_2Quality=", a.h264Quality[1]),
+      conf::rest(p + "H264_3Quality=", a.h264Quality[2]),
+      conf::rest(p + "H264_4Quality=", a.h264Quality[3]),
+  });
   if (!found) conf::logError(kAppMissing);
   return found;
 }
