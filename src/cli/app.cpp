@@ -12,15 +12,6 @@ namespace cli {
 
 using shm::Slot;
 
-namespace {
-
-// The slots saved at start and written back at the end. Only the low 8 bits
-// of ONVIF_RESET are kept: that byte is what the firmware expects back.
-int gSavedServerState = 0;
-std::uint8_t gSavedResetByte = 0;
-
-}  // namespace
-
 int runOnvifCtrl(int argc, char** argv) {
   if (argc < 2) return -1;
 
@@ -39,16 +30,19 @@ int runOnvifCtrl(int argc, char** argv) {
   }
   if (!block) return 0;
 
-  gSavedServerState = block->get(Slot::SERVER_STATE);
-  gSavedResetByte = static_cast<std::uint8_t>(block->get(Slot::ONVIF_RESET) & 0xff);
+  // The slots saved here are written back at the end. Only the low 8 bits of
+  // ONVIF_RESET are kept: that byte is what the firmware expects back.
+  int savedServerState = block->get(Slot::SERVER_STATE);
+  const std::uint8_t savedResetByte =
+      static_cast<std::uint8_t>(block->get(Slot::ONVIF_RESET) & 0xff);
 
-  if (PostParse(req.serverState, req.checkPassword, req.debug, *block, gSavedServerState) != 0) {
+  if (PostParse(req.serverState, req.checkPassword, req.debug, *block, savedServerState) != 0) {
     std::printf("OnvifCtrl:Parameters initial failed(2).\n");
     return -1;
   }
 
-  block->set(Slot::ONVIF_RESET, gSavedResetByte);
-  block->set(Slot::SERVER_STATE, gSavedServerState);
+  block->set(Slot::ONVIF_RESET, savedResetByte);
+  block->set(Slot::SERVER_STATE, savedServerState);
   block->put(shm::kMarkerSlot, shm::kCompletionMarker);
   return 0;
 }

@@ -61,7 +61,6 @@ void act(int option, int v, shm::ShmBlock* block, Requests& req) {
       if (block != nullptr && v == 4) onvif::Hard_Default_All_Conf(*block);
       break;
     case 't':
-      req.onvifCtrl = v;
       if (v == 0)
         printTime();
       else if (block != nullptr)
@@ -77,7 +76,6 @@ void act(int option, int v, shm::ShmBlock* block, Requests& req) {
       if (block != nullptr) onvif::Update_DeletePreset(*block, v);
       break;
     case 'i':
-      req.info = v;
       printVersion();
       break;
     case 'a':

@@ -9,11 +9,8 @@ namespace cli {
 // Values stored for the post-parse step; -1 when the option was not given.
 struct Requests {
   int serverState = -1;    // -s
-  int onvifCtrl = -1;      // -t (stored, read by nothing later)
-  int unused = -1;         // a cell no option fills
   int checkPassword = -1;  // -a
   int debug = -1;          // -d
-  int info = -1;           // -i
 };
 
 // An option's value as the tool reads it: base-10 strtol with no check of

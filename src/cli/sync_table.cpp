@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <ctime>
 
+#include "conf/files.h"
 #include "conf/lines.h"
 #include "recording/selftest.h"
 #include "sync/audio/audio.h"
@@ -121,7 +122,7 @@ const SyncCommand kCommands[] = {
     {14, Frame::Standard, "WEB Update_PresetTour", [](SyncArgs& a) { return onvif::Update_PresetTour(a.block); }},
     {15, Frame::Standard, "WEB Update_H264Profile", [](SyncArgs& a) { return onvif::Update_H264Profile(a.block); }},
     {16, Frame::Standard, "WEB Update_OSD", [](SyncArgs& a) { return onvif::Update_OSD(a.block); }},
-    {17, Frame::NoWaitNoLog, nullptr, sendPtzControl},
+    {17, Frame::None, nullptr, sendPtzControl},
     {18, Frame::Standard, "WEB Update_Recording", [](SyncArgs& a) { return onvif::Update_Recording(a.block); }},
     {19, Frame::Standard, "WEB Update_EncodingPriority",
      [](SyncArgs& a) { return onvif::Update_EncodingPriority(a.block); }},
@@ -182,8 +183,8 @@ void writeDebugLog(const char* label, shm::ShmBlock& block) {
   std::time_t now = std::time(nullptr);
   struct tm utc {};
   gmtime_r(&now, &utc);
-  std::FILE* f = conf::openCamera("/tmp/onvif/DebugLog", "a");
-  if (f == nullptr) f = conf::openCamera("/tmp/onvif/DebugLog", "w");
+  std::FILE* f = conf::openCamera(conf::kDebugLog, "a");
+  if (f == nullptr) f = conf::openCamera(conf::kDebugLog, "w");
   if (f != nullptr) {
     std::fprintf(f, "%02d:%02d:%02d %s\n", utc.tm_hour, utc.tm_min, utc.tm_sec, label);
     std::fclose(f);
@@ -220,7 +221,6 @@ int dispatch(int number, shm::ShmBlock& block) {
       protectWait(block, Slot::WEB_SYNC_PROTECT);
       result = run();
       break;
-    case Frame::NoWaitNoLog:
     case Frame::None:
       result = run();
       break;

@@ -9,7 +9,6 @@ namespace cli {
 enum class Frame {
   Standard,   // wait, protect, record the number, run, log, unprotect
   NoWait,     // run, log when debug logging is on
-  NoWaitNoLog,
   WaitNoLog,  // wait, run
   None,       // run
 };

@@ -5,9 +5,9 @@
 
 #include "conf/error_log.h"
 #include "conf/field.h"
+#include "conf/files.h"
 #include "conf/keys.h"
 #include "conf/lines.h"
-#include "conf/paths.h"
 #include "conf/rewrite.h"
 #include "conf/scan.h"
 #include "conf/shell.h"
@@ -31,8 +31,8 @@ struct RecordList {
   const char* tag;
 };
 
-const RecordList kProfileList = {"Profiles.conf", "profile filename=", "profile filename=%s\n",
-                                 "ONVIF_LODING_PROFILE_FILE"};
+const RecordList kProfiles = {"Profiles.conf", "profile filename=", "profile filename=%s\n",
+                              "ONVIF_LODING_PROFILE_FILE"};
 const RecordList kRecordLists[] = {
     {"VideoEncoder.conf", ".VEncoder", "%s\n", "ONVIF_VIDEO_ENCODER_CONF"},
     {"AudioEncoder.conf", ".AEncoder", "%s\n", "ONVIF_AUDIO_ENCODER_CONF"},
@@ -85,15 +85,12 @@ void stampScopes(const char* routine) {
     conf::logError("onvifServer: %s missing", kBrandConf);
     return;
   }
-  conf::RewriteJob job;
-  job.routine = routine;
-  job.source = inDir("onvif.conf.default");
-  job.temp = std::string(conf::kTmpDir) + routine;
-  job.targets = {job.source};
-  job.missing = "onvifServer:sync %s missing";
-  job.sync = false;
-  job.tempMode = "w+";
-  job.tempFirst = false;
+  const conf::RewriteJob job =
+      conf::inPlace(routine, inDir("onvif.conf.default"), "onvifServer:sync %s missing")
+          .through(std::string(conf::kTmpDir) + routine)
+          .unsynced()
+          .sourceFirst()
+          .wPlus();
   conf::rewrite(job, {conf::set(kNameScope, brand.str()),
                       conf::fixed("Initial_Sync_Data=", "Initial_Sync_Data=true\n")});
 }
@@ -122,13 +119,13 @@ int Soft_Default_All_Conf(shm::ShmBlock& block) {
   stampScopes(routine);
   restore("onvif.conf");
 
-  if (!walkList(inDir(kProfileList.list), kProfileList,
+  if (!walkList(inDir(kProfiles.list), kProfiles,
                 [](const std::string& name) { conf::shellRemove(inDir(name)); }))
-    logListMissing(routine, kProfileList);
-  if (!walkList(inDir(kProfileList.list) + ".default", kProfileList,
+    logListMissing(routine, kProfiles);
+  if (!walkList(inDir(kProfiles.list) + ".default", kProfiles,
                 [](const std::string& name) { copyDefault(name); }))
-    logListMissing(routine, kProfileList);
-  restore(kProfileList.list);
+    logListMissing(routine, kProfiles);
+  restore(kProfiles.list);
 
   for (const RecordList& l : kRecordLists) {
     if (!walkList(inDir(l.list), l, [](const std::string& name) {
@@ -146,8 +143,9 @@ int Hard_Default_All_Conf(shm::ShmBlock& block) {
   for (const char* name : {"onvif.conf", "Profiles.conf", "Users.conf", "Subscription.conf"}) restore(name);
   for (const char* pattern : kRecordWildcards) conf::shellRemoveGlob(kDir, pattern);
 
-  if (!walkList(inDir(kProfileList.list), kProfileList, [](const std::string& name) { copyDefault(name); }))
-    logListMissing(routine, kProfileList);
+  if (!walkList(inDir(kProfiles.list), kProfiles,
+                [](const std::string& name) { copyDefault(name); }))
+    logListMissing(routine, kProfiles);
   for (const RecordList& l : kRecordLists)
     if (!walkList(inDir(l.list), l, [](const std::string& name) { copyDefault(name); }))
       logListMissing(routine, l);

@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "conf/files.h"
 #include "conf/paths.h"
 #include "conf/shell.h"
 

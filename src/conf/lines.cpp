@@ -10,6 +10,13 @@ std::FILE* openCamera(const std::string& cameraPath, const char* mode) {
   return std::fopen(hostPath(cameraPath).c_str(), mode);
 }
 
+bool exists(const std::string& cameraPath) {
+  std::FILE* f = openCamera(cameraPath, "r");
+  if (f == nullptr) return false;
+  std::fclose(f);
+  return true;
+}
+
 bool forEachLine(const std::string& cameraPath, const std::function<bool(const char*)>& fn) {
   std::FILE* f = openCamera(cameraPath, "r");
   if (f == nullptr) return false;

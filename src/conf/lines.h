@@ -39,6 +39,9 @@ bool forEachName(const std::string& listPath, const char* marker, const char* pa
 // Opens a camera path with fopen's mode.
 std::FILE* openCamera(const std::string& cameraPath, const char* mode);
 
+// True when the file at a camera path can be opened for reading.
+bool exists(const std::string& cameraPath);
+
 // True when the line holds `key` anywhere.
 inline bool holds(const char* line, const char* key) { return std::strstr(line, key) != nullptr; }
 inline bool holds(const char* line, const std::string& key) { return holds(line, key.c_str()); }

@@ -2,6 +2,8 @@
 
 #include <cstdlib>
 
+#include "conf/files.h"
+
 namespace conf {
 
 std::string cameraRoot() {

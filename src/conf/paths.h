@@ -1,4 +1,5 @@
-// Camera paths.
+// Camera paths and where they lie on the host (the paths the tool shares are
+// listed in files.h).
 //
 // Every file the tool touches is named by its path on the camera. When the
 // environment variable ONVIFCTRL_ROOT is set (host demos and tests), each such
@@ -15,14 +16,6 @@ std::string hostPath(const std::string& cameraPath);
 
 // The ONVIFCTRL_ROOT folder, or an empty string when unset.
 std::string cameraRoot();
-
-// Paths the whole tool shares.
-inline constexpr const char* kErrorLog = "/tmp/onvif_error";
-inline constexpr const char* kTmpDir = "/tmp/onvif/tmp/";
-inline constexpr const char* kLiveDir = "/tmp/onvif/";
-inline constexpr const char* kPersistDir = "/usr/apache/htdocs/onvif/";
-inline constexpr const char* kLiveOnvifConf = "/tmp/onvif/onvif.conf";
-inline constexpr const char* kPersistOnvifConf = "/usr/apache/htdocs/onvif/onvif.conf";
 
 // "/tmp/onvif/tmp/WS_" followed by the routine's name.
 std::string wsTemp(const std::string& routine);

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "conf/error_log.h"
+#include "conf/files.h"
 #include "conf/lines.h"
 #include "conf/paths.h"
 #include "conf/self_format.h"
@@ -35,6 +36,12 @@ Rule rule(const std::string& key, std::function<Out(const char* line)> apply) {
   return Rule{key, std::move(apply)};
 }
 
+Rule when(bool active, Rule r) { return active ? std::move(r) : keepLine(r.key); }
+
+Rule setOr(const std::string& key, const std::optional<std::string>& value) {
+  return value ? set(key, *value) : keepLine(key);
+}
+
 RewriteJob inPlace(const std::string& routine, const std::string& path, const std::string& missing) {
   RewriteJob job;
   job.routine = routine;
@@ -42,6 +49,36 @@ RewriteJob inPlace(const std::string& routine, const std::string& path, const st
   job.temp = wsTemp(routine);
   job.targets = {path};
   job.missing = missing;
+  return job;
+}
+
+RewriteJob onvifConf(const std::string& routine, const std::string& missing) {
+  RewriteJob job = inPlace(routine, kLiveOnvifConf, missing);
+  job.targets.push_back(kPersistOnvifConf);
+  return job;
+}
+
+RewriteJob RewriteJob::unsynced() const {
+  RewriteJob job = *this;
+  job.sync = false;
+  return job;
+}
+
+RewriteJob RewriteJob::sourceFirst() const {
+  RewriteJob job = *this;
+  job.tempFirst = false;
+  return job;
+}
+
+RewriteJob RewriteJob::wPlus() const {
+  RewriteJob job = *this;
+  job.tempMode = "w+";
+  return job;
+}
+
+RewriteJob RewriteJob::through(std::string t) const {
+  RewriteJob job = *this;
+  job.temp = std::move(t);
   return job;
 }
 

@@ -53,8 +53,7 @@ int GetRecordingSummary() {
   int shell = 0;
   // Without the shipped summary the copy would leave an older one in place:
   // report it and print empty values rather than stale ones.
-  if (std::FILE* f = conf::openCamera(kSummaryDefault, "r")) {
-    std::fclose(f);
+  if (conf::exists(kSummaryDefault)) {
     shell = conf::shellCopy(kSummaryDefault, kSummary);
     if (!conf::scanConf(kSummary, {conf::str("RecordingNumber=", number), conf::str("DataFrom=", from),
                                    conf::str("DataUntil=", until)}))

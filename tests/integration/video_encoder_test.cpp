@@ -46,6 +46,10 @@ void setKey(const Camera& cam, const std::string& path, const std::string& key, 
   cam.write(path, text);
 }
 
+// A line with two keys is decided by the first key of the routine's order it
+// holds, also when that key keeps it.
+const std::string kTwoKeys = "Quality=3 BitrateLimit=4\n";
+
 const std::string kSample[4] = {"H264 1920x1080 q60 b6144 g60 High u1", "H264 1280x720 q60 b2048 g30 Main u1",
                                 "H264 640x360 q60 b512 g30 Baseline u1", "JPEG 1280x720 q50 b4096 g30 Main u1"};
 
@@ -80,8 +84,11 @@ TEST(VideoAppearance, MultiStreamLayouts) {
                      {Slot::ONVIF_CH3_RESOLUTION, 77}, {Slot::ONVIF_CH4_RESOLUTION, 77}});
     setKey(cam, kApp, "root.Image.I0.Appearance.Resolution", c.resolution);
     scramble(cam);
+    cam.write(encoderPath(1), kTwoKeys + cam.read(encoderPath(1)));
     cam.run({"-u", "2"});
     SCOPED_TRACE(c.resolution);
+    const bool jpeg = c.enc[0].rfind("JPEG", 0) == 0;
+    EXPECT_EQ(cam.lines(encoderPath(1))[0], jpeg ? "Quality=50" : "Quality=3 BitrateLimit=4");
     EXPECT_EQ(cam.slot(Slot::ONVIF_MULTIPLE_STREAM), c.layout);
     const Slot chs[4] = {Slot::ONVIF_CH1_RESOLUTION, Slot::ONVIF_CH2_RESOLUTION, Slot::ONVIF_CH3_RESOLUTION,
                          Slot::ONVIF_CH4_RESOLUTION};
@@ -144,8 +151,10 @@ TEST(VideoAppearance, PerCodecAndTwoEncoderPaths) {
                      {Slot::ONVIF_RESOLUTION_H264, 99}, {Slot::ONVIF_RESOLUTION_H264_2, 99}});
     setKey(cam, kApp, "root.Image.I0.Appearance.Resolution", c.resolution);
     if (c.device == 2 && c.brand == 0) setKey(cam, encoderPath(3), "Encoding", "MPEG4");
+    cam.write(encoderPath(1), kTwoKeys + cam.read(encoderPath(1)));
     cam.run({"-u", "2"});
     SCOPED_TRACE(c.resolution);
+    EXPECT_EQ(cam.lines(encoderPath(1))[0], "Quality=3 BitrateLimit=4");  // H.264 keeps its quality
     for (int i = 0; i < 4; ++i) EXPECT_EQ(cam.slot(51 + i), c.slots[i]) << "slot " << 51 + i;
     for (int k = 1; k <= 4; ++k) EXPECT_EQ(summary(cam, k), c.enc[k - 1]) << "VideoEncoder" << k;
     EXPECT_EQ(cam.shellTrace().size(), static_cast<std::size_t>(c.copies));

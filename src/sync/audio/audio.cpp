@@ -8,6 +8,7 @@
 
 #include "conf/error_log.h"
 #include "conf/field.h"
+#include "conf/files.h"
 #include "conf/keys.h"
 #include "conf/lines.h"
 #include "conf/paths.h"
@@ -29,10 +30,8 @@ constexpr const char* kRoutine = "Update_Audio_Source";
 constexpr const char* kStreamRoutine = "Sync_AudioEncoder_By_StreamServer";
 constexpr const char* kAudioSourceConf = "/etc/sysconfig/audio_source.conf";
 constexpr const char* kAudioConf = "/etc/sysconfig/audio.conf";
-constexpr const char* kEncoderList = "/usr/apache/htdocs/onvif/AudioEncoder.conf";
 constexpr const char* kOutputList = "/usr/apache/htdocs/onvif/AudioOutput.conf";
 constexpr const char* kDecoderList = "/usr/apache/htdocs/onvif/AudioDecoder.conf";
-constexpr const char* kProfiles = "/tmp/onvif/Profiles.conf";
 constexpr const char* kStreamServerConf = "/home/ostrin2/StreamingServer/StreamServer.conf";
 constexpr const char* kStreamCtl = "/home/ostrin2/StreamingServer/streamctl";
 
@@ -138,10 +137,9 @@ void rewriteListed(const char* list, const std::vector<Rule>& rules) {
 }
 
 // Output level (and, on the current path, use count) of every audio output.
-void syncOutputs(const Field<32>& gain, const int* useCount) {
-  std::vector<Rule> rules = {conf::keepLine("SendPrimacy="), conf::set("OutputLevel=", gain.str())};
-  if (useCount != nullptr) rules.push_back(conf::set("UseCount=", std::to_string(*useCount)));
-  rewriteListed(kOutputList, rules);
+void syncOutputs(const Field<32>& gain, const std::optional<std::string>& useCount) {
+  rewriteListed(kOutputList, {conf::keepLine("SendPrimacy="), conf::set("OutputLevel=", gain.str()),
+                              conf::setOr("UseCount=", useCount)});
 }
 
 struct WebAudio {
@@ -190,24 +188,25 @@ void legacyEncoders(shm::ShmBlock& block, const WebAudio& web) {
       }),
   };
   Field<64> name;
-  if (!conf::forEachLine(kEncoderList, [&](const char* line) {
+  if (!conf::forEachLine(conf::kAudioEncoderList, [&](const char* line) {
         if (namesAudioEncoder(line)) conf::scan(line, "%s", name);
         if (name.empty()) return true;  // no record named yet
         code = 0;
-        if (rewriteRecord(conf::kLiveDir, name.str(), kRoutine, kMissing, rules).done()) setAudioCode(block, code);
+        if (rewriteRecord(conf::kLiveDir, name.str(), kRoutine, kMissing, rules).done())
+          setAudioCode(block, code);
         return true;
       }))
-    conf::logError(kMissing, kEncoderList);
+    conf::logError(kMissing, conf::kAudioEncoderList);
 }
 
 // Current path: only the first encoder is synchronised, codec and bit rate.
 void currentEncoder(shm::ShmBlock& block, const WebAudio& web) {
   Field<64> name;
-  if (!conf::forEachLine(kEncoderList, [&](const char* line) {
+  if (!conf::forEachLine(conf::kAudioEncoderList, [&](const char* line) {
         if (conf::holds(line, "AudioEncoder1.")) conf::scan(line, "%s", name);
         return false;
       })) {
-    conf::logError(kEncoderListMissing, kEncoderList);
+    conf::logError(kEncoderListMissing, conf::kAudioEncoderList);
     return;
   }
   if (name.empty()) return;
@@ -249,31 +248,37 @@ void currentPath(shm::ShmBlock& block, WebAudio& web) {
   int brand = block.get(Slot::ONVIF_BRAND);
   bool binding = brand == 34 || (brand == 44 && block.get(Slot::BRAND_REGION) == 7);
   bool off = web.duplex.is("disable");
-  std::vector<Rule> rules = {bind("AudioDecoder=", "AudioDecoder1", off), bind("AudioOutput=", "AudioOutput1", off)};
-  if (binding) {
-    rules.push_back(bind("AudioEncoder=", "AudioEncoder1", off));
-    rules.push_back(bind("AudioSource=", "AudioSource1", off));
-  }
+  const std::vector<Rule> rules = {
+      bind("AudioDecoder=", "AudioDecoder1", off),
+      bind("AudioOutput=", "AudioOutput1", off),
+      conf::when(binding, bind("AudioEncoder=", "AudioEncoder1", off)),
+      conf::when(binding, bind("AudioSource=", "AudioSource1", off)),
+  };
   int layout = block.get(Slot::ONVIF_MULTIPLE_STREAM);
-  if (!conf::forEachName(kProfiles, "profile filename=", "profile filename=%s\n", [&](const std::string& name) {
-        if (rewriteRecord(conf::kLiveDir, name, kRoutine, kMissing, rules).done()) runBackChannel(off, layout);
-        return true;
-      }))
-    conf::logError(kMissing, kProfiles);
+  if (!conf::forEachName(
+          conf::kProfileList, "profile filename=", "profile filename=%s\n",
+          [&](const std::string& name) {
+            if (rewriteRecord(conf::kLiveDir, name, kRoutine, kMissing, rules).done())
+              runBackChannel(off, layout);
+            return true;
+          }))
+    conf::logError(kMissing, conf::kProfileList);
 
   if (brand == 40) Sync_AudioEncoder_By_StreamServer();
 
   int outputs = 0;
   int decoders = 0;
-  if (!conf::forEachName(kProfiles, "profile filename=", "profile filename=%s\n", [&](const std::string& name) {
-        std::string path = conf::kLiveDir + name;
-        if (!conf::scanConf(path, {countUse("AudioOutput=", outputs), countUse("AudioDecoder=", decoders)}))
-          conf::logError(kCountMissing, path);
-        return true;
-      }))
-    conf::logError(kMissing, kProfiles);
+  if (!conf::forEachName(conf::kProfileList, "profile filename=", "profile filename=%s\n",
+                         [&](const std::string& name) {
+                           std::string path = conf::kLiveDir + name;
+                           if (!conf::scanConf(path, {countUse("AudioOutput=", outputs),
+                                                      countUse("AudioDecoder=", decoders)}))
+                             conf::logError(kCountMissing, path);
+                           return true;
+                         }))
+    conf::logError(kMissing, conf::kProfileList);
 
-  syncOutputs(web.gain, &outputs);
+  syncOutputs(web.gain, std::to_string(outputs));
   rewriteListed(kDecoderList, {conf::set("UseCount=", std::to_string(decoders))});
 }
 
@@ -287,7 +292,7 @@ int Update_Audio_Source(int multiStream, shm::ShmBlock& block) {
     // Only the duplex line is read here; the legacy path does not use it.
     if (!conf::scanConf(kAudioConf, {conf::str("root.Audio.DuplexMode=", web.duplex).first()}))
       conf::logError(kMissing, kAudioConf);
-    syncOutputs(web.gain, nullptr);
+    syncOutputs(web.gain, std::nullopt);
     return 0;
   }
   if (haveSource) currentEncoder(block, web);
@@ -329,11 +334,13 @@ int Sync_AudioEncoder_By_StreamServer() {
                    return Out::write(audioOn() ? "AudioEncoder=AudioEncoder1\n" : "AudioEncoder=NONE\n");
                  }),
   };
-  if (!conf::forEachName(kProfiles, "profile filename=", "profile filename=%s\n", [&](const std::string& name) {
-        rewriteRecord(conf::kLiveDir, name, kStreamRoutine, kStreamMissing, rules);
-        return true;
-      }))
-    conf::logError(kStreamMissing, kProfiles);
+  if (!conf::forEachName(conf::kProfileList, "profile filename=", "profile filename=%s\n",
+                         [&](const std::string& name) {
+                           rewriteRecord(conf::kLiveDir, name, kStreamRoutine, kStreamMissing,
+                                         rules);
+                           return true;
+                         }))
+    conf::logError(kStreamMissing, conf::kProfileList);
   return 0;
 }
 

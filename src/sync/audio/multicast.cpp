@@ -5,9 +5,9 @@
 
 #include "conf/error_log.h"
 #include "conf/field.h"
+#include "conf/files.h"
 #include "conf/keys.h"
 #include "conf/lines.h"
-#include "conf/paths.h"
 #include "conf/rewrite.h"
 #include "conf/scan.h"
 
@@ -22,9 +22,6 @@ namespace {
 
 constexpr const char* kRoutine = "Update_Multicast";
 constexpr const char* kVariableConf = "/etc/sysconfig/variable.conf";
-constexpr const char* kNetworkConf = "/etc/sysconfig/network.conf";
-constexpr const char* kVideoList = "/usr/apache/htdocs/onvif/VideoEncoder.conf";
-constexpr const char* kAudioList = "/usr/apache/htdocs/onvif/AudioEncoder.conf";
 constexpr const char* kAudioEncoder1 = "/tmp/onvif/AudioEncoder1.AEncoder";
 
 constexpr const char* kMissing = "Update_Multicast:%s missing!";
@@ -46,7 +43,7 @@ struct Rtp {
 bool readRtp(Rtp& r) {
   const std::string k = "root.Network.RTP.R0.";
   return conf::scanConf(
-      kNetworkConf,
+      conf::kNetworkConf,
       {conf::str(k + "VideoAddress=", r.videoAddress),
        conf::str(k + "H264VideoPort=", r.h264Port[0]),
        conf::str(k + "H264VideoPort2=", r.h264Port[1]),
@@ -179,7 +176,7 @@ void layoutBranch(shm::ShmBlock& block, const Rtp& r) {
     rewriteRecord(kAudioEncoder1, kAudioMissing, multicast(r.audioAddress, portLine(r.audioPort), r.ttl));
     return;
   }
-  if (!conf::forEachName(kAudioList, "", "%s\n", [&](const std::string& name) {
+  if (!conf::forEachName(conf::kAudioEncoderList, "", "%s\n", [&](const std::string& name) {
         const Value* port = &r.h264AudioPort[0];
         const Value* ttl = &r.h264Ttl[0];
         for (const AudioRow& a : kAudioRows) {
@@ -192,7 +189,7 @@ void layoutBranch(shm::ShmBlock& block, const Rtp& r) {
                       multicast(r.audioAddress, portLine(*port), *ttl));
         return true;
       }))
-    conf::logError(kAudioMissing, kAudioList);
+    conf::logError(kAudioMissing, conf::kAudioEncoderList);
 }
 
 // Platform 5: each record's own "Encoding=" line, met before its port,
@@ -219,7 +216,7 @@ void codecBranch(const Rtp& r) {
 // channel choose its port.
 void listVariant(const Rtp& r, const Generation& g) {
   std::string missing = g.text(" nonbrand Update_Multicast video:%s missing!");
-  if (!conf::forEachName(kVideoList, "", "%s\n", [&](const std::string& name) {
+  if (!conf::forEachName(conf::kVideoEncoderList, "", "%s\n", [&](const std::string& name) {
         std::string path = conf::kLiveDir + name;
         Field<64> codec;
         int channel = 0;
@@ -234,7 +231,7 @@ void listVariant(const Rtp& r, const Generation& g) {
         rewriteRecord(path, missing, multicast(r.videoAddress, portLine(port), r.ttl));
         return true;
       }))
-    conf::logError(missing.c_str(), kVideoList);
+    conf::logError(missing.c_str(), conf::kVideoEncoderList);
 }
 
 // Brands 12 and above: the codec enable slots choose the records and ports.
@@ -260,12 +257,12 @@ void generationBranch(shm::ShmBlock& block, const Rtp& r, const Generation& g) {
     listVariant(r, g);
   else
     codecSlotVariant(block, r, g);
-  if (!conf::forEachName(kAudioList, "", "%s\n", [&](const std::string& name) {
+  if (!conf::forEachName(conf::kAudioEncoderList, "", "%s\n", [&](const std::string& name) {
         rewriteRecord(conf::kLiveDir + name, kGenerationAudioMissing,
                       multicast(r.videoAddress, portLine(r.audioPort), r.ttl));
         return true;
       }))
-    conf::logError(kGenerationAudioMissing, kAudioList);
+    conf::logError(kGenerationAudioMissing, conf::kAudioEncoderList);
 }
 
 enum class Platform { Unknown, Layout, Codec, SecondGeneration, FirstGeneration };
@@ -285,7 +282,7 @@ int Update_Multicast(shm::ShmBlock& block) {
   if (!conf::scanConf(kVariableConf, {conf::num("root.Variable.Videoprotocol=", protocol).first()}))
     conf::logError(kMissing, kVariableConf);
   Rtp r;
-  if (!readRtp(r)) return conf::logError(kMissing, kNetworkConf);
+  if (!readRtp(r)) return conf::logError(kMissing, conf::kNetworkConf);
 
   Platform platform = platformOf(block.get(Slot::ONVIF_DEVICE));
   if (platform == Platform::Unknown) return 0;

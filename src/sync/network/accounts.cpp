@@ -3,14 +3,15 @@
 #include <functional>
 #include <string>
 
-#include "conf/write_file.h"
 #include "conf/error_log.h"
 #include "conf/field.h"
+#include "conf/files.h"
 #include "conf/lines.h"
 #include "conf/paths.h"
 #include "conf/rewrite.h"
 #include "conf/scan.h"
 #include "conf/shell.h"
+#include "conf/write_file.h"
 
 namespace onvif {
 
@@ -78,24 +79,25 @@ std::string accountLine(const std::string& name, const std::string& level, const
   return name + ":" + level + ":" + password + "\n";
 }
 
-// Rewrites the working copy through `temp` (no sync) and copies it back: the
-// line of account `name` becomes what `change` makes of its fields, every
-// other line stays.
+// The account files are rewritten without sync, and the temporary file is made
+// only once the source has opened.
+conf::RewriteJob accountJob(const std::string& routine, const char* path,
+                            const std::string& missing) {
+  return conf::inPlace(routine, path, missing).unsynced().sourceFirst();
+}
+
+// Rewrites the working copy through `temp` and copies it back: the line of
+// account `name` becomes what `change` makes of its fields, every other line
+// stays.
 int changeAccount(const std::string& routine, const std::string& temp, const char* name,
                   const std::function<std::string(const Account&)>& change) {
-  conf::RewriteJob job;
-  job.routine = routine;
-  job.source = kWorkingCopy;
-  job.temp = temp;
-  job.targets = {kWorkingCopy};
-  job.missing = routine + ":%s missing";
-  job.sync = false;
-  job.tempFirst = false;
   Account a;
-  return conf::rewrite(job, {conf::rule("", [&](const char* line) {
-                         a.parse(line);
-                         return a.name.is(name) ? Out::write(change(a)) : Out::keep();
-                       })})
+  return conf::rewrite(accountJob(routine, kWorkingCopy, routine + ":%s missing").through(temp),
+                       {conf::rule("",
+                                   [&](const char* line) {
+                                     a.parse(line);
+                                     return a.name.is(name) ? Out::write(change(a)) : Out::keep();
+                                   })})
       .shell;
 }
 
@@ -182,20 +184,16 @@ int Update_AddUser(shm::ShmBlock& block) { return syncAccounts("Update_AddUser",
 int Update_SetUser(shm::ShmBlock& block) { return syncAccounts("Update_SetUser", update_conf_set_user, block); }
 
 int Update_RemoveUser(shm::ShmBlock&) {
-  conf::RewriteJob job;
-  job.routine = "Update_RemoveUser";
-  job.source = kUsers;
-  job.temp = conf::wsTemp(job.routine);
-  job.targets = {kUsers};
-  // The line names the working copy although the list itself is read.
-  job.missing = std::string("update_conf_remove_user:") + kWorkingCopy + " missing";
-  job.sync = false;
-  job.tempFirst = false;
+  // The missing line names the working copy although the list itself is read.
+  const std::string missing = std::string("update_conf_remove_user:") + kWorkingCopy + " missing";
   Account a;
-  return conf::rewrite(job, {conf::rule("", [&](const char* line) {
-                         a.parse(line);
-                         return CheckSystemUser(a.name.c_str()) ? Out::keep() : Out::drop();
-                       })})
+  return conf::rewrite(accountJob("Update_RemoveUser", kUsers, missing),
+                       {conf::rule("",
+                                   [&](const char* line) {
+                                     a.parse(line);
+                                     return CheckSystemUser(a.name.c_str()) ? Out::keep()
+                                                                            : Out::drop();
+                                   })})
       .shell;
 }
 
@@ -207,21 +205,18 @@ int Update_AdminUser(shm::ShmBlock&) {
       }))
     conf::logError("Update_AdminUser:%s missing", kWebPass);
 
-  conf::RewriteJob job;
-  job.routine = "Update_AdminUser";
-  job.source = kUsers;
-  job.temp = conf::wsTemp(job.routine);
-  job.targets = {kUsers};
-  job.missing = std::string("Update_AdminUser:") + kWorkingCopy + " missing";
-  job.sync = false;
-  job.tempFirst = false;
+  const std::string missing = std::string("Update_AdminUser:") + kWorkingCopy + " missing";
   Account a;
-  return conf::rewrite(job, {conf::rule("", [&](const char* line) {
-                         a.parse(line);
-                         if (a.name.is(admin.name.c_str()) && a.level.is("Administrator"))
-                           return Out::write(accountLine(a.name.str(), "Administrator", admin.value.str()));
-                         return Out::keep();
-                       })})
+  return conf::rewrite(
+             accountJob("Update_AdminUser", kUsers, missing),
+             {conf::rule("",
+                         [&](const char* line) {
+                           a.parse(line);
+                           if (a.name.is(admin.name.c_str()) && a.level.is("Administrator"))
+                             return Out::write(
+                                 accountLine(a.name.str(), "Administrator", admin.value.str()));
+                           return Out::keep();
+                         })})
       .shell;
 }
 

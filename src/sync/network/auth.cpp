@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "conf/error_log.h"
+#include "conf/files.h"
 #include "conf/keys.h"
 #include "conf/lines.h"
 #include "conf/paths.h"
@@ -16,7 +17,6 @@ using shm::Slot;
 
 namespace {
 
-constexpr const char* kNetworkConf = "/etc/sysconfig/network.conf";
 constexpr const char* kSystemOnvifConf = "/etc/sysconfig/onvif.conf";
 constexpr const char* kEnvironment = "/tmp/envir.sh";
 constexpr const char* kAdministratorConf = "/tmp/onvif/tmp/administrator.conf";
@@ -25,16 +25,8 @@ constexpr const char* kUserSetting = "/usr/apache/htdocs/onvif/UserSetting.conf"
 // Sets "ONVIF_CheckPassword=" in both copies of onvif.conf and, when the live
 // copy was there, the slot.
 int setCheckPassword(shm::ShmBlock& block, const char* routine, bool check) {
-  std::string name(routine);
-  conf::RewriteJob job;
-  job.routine = name;
-  job.source = conf::kLiveOnvifConf;
-  job.temp = conf::wsTemp(name);
-  job.targets = {conf::kLiveOnvifConf, conf::kPersistOnvifConf};
-  job.missing = name + " %s missing";
-  conf::Result r = conf::rewrite(
-      job, {conf::fixed("ONVIF_CheckPassword=",
-                        check ? "ONVIF_CheckPassword=true\n" : "ONVIF_CheckPassword=false\n")});
+  conf::Result r = conf::rewrite(conf::onvifConf(routine, std::string(routine) + " %s missing"),
+                                 {conf::set("ONVIF_CheckPassword=", check ? "true" : "false")});
   if (r.done()) block.set(Slot::ONVIF_CHECK_PASSWORD, check ? 1 : 0);
   return r.shell;
 }
@@ -67,9 +59,10 @@ int Update_Brask_OnvifSetting(shm::ShmBlock& block) {
   Field<8> discovery;
   Field<8> authentication;
   int shell = 0;
-  if (!conf::scanConf(kNetworkConf, {conf::str("root.Network.ONVIF.Discovery.Enabled=", discovery),
-                                     conf::str("root.Network.Authentication.ONVIF=", authentication)}))
-    shell = conf::logError("Update_Brask_OnvifSetting: %s missing", kNetworkConf);
+  if (!conf::scanConf(conf::kNetworkConf,
+                      {conf::str("root.Network.ONVIF.Discovery.Enabled=", discovery),
+                       conf::str("root.Network.Authentication.ONVIF=", authentication)}))
+    shell = conf::logError("Update_Brask_OnvifSetting: %s missing", conf::kNetworkConf);
 
   block.set(Slot::ONVIF_CHECK_PASSWORD, authentication.holds("disable") ? 0 : 1);
   bool off = discovery.holds("no");
@@ -92,17 +85,13 @@ int ProfileQ_Authentication_Setting(shm::ShmBlock& block) {
     block.set(Slot::PROFILE_Q_AUTHENTICATION, 1);
     return 0;
   }
-  conf::RewriteJob job;
-  job.routine = "ProfileQ_Authentication_Setting";
-  job.source = kUserSetting;
-  job.temp = conf::wsTemp(job.routine);
-  job.targets = {kUserSetting};
-  job.missing = "ProfileQ_Authentication_Setting:%s missing";
-  job.sync = false;
-  job.tempMode = "w+";
-  job.tempFirst = false;
-  conf::Result r = conf::rewrite(
-      job, {conf::fixed("ProfileQ_FactoryDefaultState=", "ProfileQ_FactoryDefaultState=false\n")});
+  const char* routine = "ProfileQ_Authentication_Setting";
+  conf::Result r =
+      conf::rewrite(conf::inPlace(routine, kUserSetting, std::string(routine) + ":%s missing")
+                        .unsynced()
+                        .sourceFirst()
+                        .wPlus(),
+                    {conf::set("ProfileQ_FactoryDefaultState=", "false")});
   block.set(Slot::PROFILE_Q_AUTHENTICATION, 1);
   return r.shell;
 }

@@ -6,14 +6,14 @@
 #include <iterator>
 #include <string>
 
-#include "conf/write_file.h"
 #include "conf/error_log.h"
 #include "conf/field.h"
+#include "conf/files.h"
 #include "conf/keys.h"
 #include "conf/lines.h"
-#include "conf/paths.h"
 #include "conf/rewrite.h"
 #include "conf/scan.h"
+#include "conf/write_file.h"
 #include "shm/segments.h"
 #include "sync/ptz/ptz_scopes.h"
 
@@ -31,7 +31,6 @@ constexpr const char* kIoList = "/usr/apache/htdocs/onvif/IO.conf";
 constexpr const char* kIoPtzList = "/usr/apache/htdocs/onvif/IOPTZ.conf";
 constexpr const char* kStorageConf = "/etc/sysconfig/storage.conf";
 constexpr const char* kRecordings = "/usr/apache/htdocs/onvif/Recordings.conf";
-constexpr const char* kNetworkConf = "/etc/sysconfig/network.conf";
 constexpr const char* kClinkConf = "/etc/sysconfig/clink.conf";
 constexpr const char* kRateControlConf = "/etc/sysconfig/image_ratecontrol.conf";
 constexpr const char* kSmartCompression = "/usr/apache/htdocs/onvif/SmartCompression.conf";
@@ -63,21 +62,15 @@ struct RecordingSource {
   unsigned char stream1, stream2;
 };
 constexpr RecordingSource kRecordingSources[] = {{"S1", 1, 0}, {"S2", 0, 1}, {"both", 1, 1}};
-constexpr std::size_t kStream1Flag = 0;
-constexpr std::size_t kStream2Flag = 3;
 
 constexpr const char* kCompressionLevels[] = {"low", "middle", "high"};
 
 // Update_Recording with a file-name format other than "1": the list keeps
 // only its "RecordingFile=O" lines.
 int keepOriginalNames(shm::ShmBlock& block) {
-  conf::RewriteJob job;
-  job.routine = "Update_Recording";
-  job.source = kRecordings;
-  job.temp = conf::wsTemp(job.routine);
-  job.targets = {kRecordings};
-  job.missing = "Update_Recording:%s missing";
-  conf::Result r = conf::rewrite(job, {conf::keepLine("RecordingFile=O"), conf::dropLine("")});
+  conf::Result r =
+      conf::rewrite(conf::inPlace("Update_Recording", kRecordings, "Update_Recording:%s missing"),
+                    {conf::keepLine("RecordingFile=O"), conf::dropLine("")});
   block.set(Slot::RECORDING_NAME_FORMAT, 0);
   return r.shell;
 }
@@ -175,20 +168,17 @@ int Update_AlarmOutput_High_Low(shm::ShmBlock& block) {
     return Out::keep();
   };
   if (!conf::forEachName(list, "Output", "%s\n", [&](const std::string& name) {
-        conf::RewriteJob job;
-        job.routine = "Update_AlarmOutput_High_Low";
-        job.source = conf::kLiveDir + name;
-        job.temp = conf::wsTemp(job.routine);
-        job.targets = {job.source};
-        job.missing = missing;  // a record that is not there is skipped
-        job.sync = false;
-        shell = conf::rewrite(job, {conf::rule("token=",
-                                               [&](const char* line) {
-                                                 conf::scan(line, "token=%s\n", token);
-                                                 return Out::keep();
-                                               }),
-                                    conf::rule("IdleState=", idleState)})
-                    .shell;
+        // A record that is not there is logged and skipped.
+        const std::string path = conf::kLiveDir + name;
+        shell =
+            conf::rewrite(conf::inPlace("Update_AlarmOutput_High_Low", path, missing).unsynced(),
+                          {conf::rule("token=",
+                                      [&](const char* line) {
+                                        conf::scan(line, "token=%s\n", token);
+                                        return Out::keep();
+                                      }),
+                           conf::rule("IdleState=", idleState)})
+                .shell;
         return true;
       }))
     return conf::logError(missing.c_str(), listName);
@@ -220,8 +210,8 @@ int Update_Recording_Channel(shm::ShmBlock&) {
   RecordingSource flags{"", 0, 0};
   for (const RecordingSource& s : kRecordingSources)
     if (source.is(s.source)) flags = s;
-  seg.bytes[kStream1Flag] = flags.stream1;
-  seg.bytes[kStream2Flag] = flags.stream2;
+  seg.bytes[shm::kStreamRecording1Byte] = flags.stream1;
+  seg.bytes[shm::kStreamRecording2Byte] = flags.stream2;
   shmdt(seg.bytes);
   return 0;
 }
@@ -229,8 +219,8 @@ int Update_Recording_Channel(shm::ShmBlock&) {
 int Change_Onvif_Path(shm::ShmBlock& block) {
   Field<64> path;
   int shell = 0;
-  if (!conf::scanConf(kNetworkConf, {conf::str("root.Network.ONVIF.DeviceIO.Path=", path)}))
-    shell = conf::logError("Change_Onvif_Path: %s missing", kNetworkConf);
+  if (!conf::scanConf(conf::kNetworkConf, {conf::str("root.Network.ONVIF.DeviceIO.Path=", path)}))
+    shell = conf::logError("Change_Onvif_Path: %s missing", conf::kNetworkConf);
   block.set(Slot::PATH_DEVICE_IO, path.holds("deviceIO") ? 1 : 0);
   return shell;
 }
@@ -267,20 +257,14 @@ int Update_SmartCompression() {
   std::string level = "off";
   for (const char* l : kCompressionLevels)
     if (lbr.is(l)) level = l;
-  auto onOff = [](const Field<64>& mode) { return mode.is("dynamic") ? "on\n" : "off\n"; };
+  auto onOff = [](const Field<64>& mode) { return mode.is("dynamic") ? "on" : "off"; };
 
-  conf::RewriteJob job;
-  job.routine = "Update_SmartCompression";
-  job.source = kSmartCompression;
-  job.temp = conf::wsTemp(job.routine);
-  job.targets = {kSmartCompression};
-  job.missing = missing;
-  return conf::rewrite(job,
+  return conf::rewrite(conf::inPlace("Update_SmartCompression", kSmartCompression, missing),
                        {
                            conf::set("Smart_Compression_Enabled=", level),
-                           conf::fixed("Stream1_DynamicGOP_Enabled=", std::string("Stream1_DynamicGOP_Enabled=") + onOff(mode1)),
+                           conf::set("Stream1_DynamicGOP_Enabled=", onOff(mode1)),
                            conf::set("Stream1_DynamicGOP_MaxGOP=", dynamic1.str()),
-                           conf::fixed("Stream2_DynamicGOP_Enabled=", std::string("Stream2_DynamicGOP_Enabled=") + onOff(mode2)),
+                           conf::set("Stream2_DynamicGOP_Enabled=", onOff(mode2)),
                            conf::set("Stream2_DynamicGOP_MaxGOP=", dynamic2.str()),
                        })
       .shell;

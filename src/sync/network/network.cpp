@@ -6,8 +6,8 @@
 
 #include "conf/error_log.h"
 #include "conf/field.h"
+#include "conf/files.h"
 #include "conf/keys.h"
-#include "conf/paths.h"
 #include "conf/rewrite.h"
 #include "sync/network/timezone.h"
 
@@ -18,7 +18,6 @@ using shm::Slot;
 
 namespace {
 
-constexpr const char* kNetworkConf = "/etc/sysconfig/network.conf";
 constexpr const char* kTimeConf = "/etc/sysconfig/time_handler.conf";
 constexpr const char* kZoneConf = "/etc/sysconfig/systime.conf";
 constexpr const char* kHttpsConf = "/etc/sysconfig/https.conf";
@@ -59,19 +58,20 @@ void readNetwork(NetworkValues& v) {
     if (v.bootProto.is("dhcp")) v.dhcp = true;
     if (v.bootProto.is("none")) v.dhcp = false;
   };
-  if (!conf::scanConf(kNetworkConf, {
-                                        conf::on("root.Network.BootProto=", bootProto),
-                                        conf::str("root.Network.IPAddress=", v.address),
-                                        conf::str("root.Network.SubnetMask=", v.mask),
-                                        conf::str("root.Network.Routing.DefaultRouter=", v.router),
-                                        conf::str("root.Network.DNSServer1=", v.dns1),
-                                        conf::str("root.Network.DNSServer2=", v.dns2),
-                                        conf::str("root.Network.Port=", v.httpPort),
-                                        conf::str("root.Network.RTSP.Port=", v.rtspPort),
-                                        conf::str("root.Network.UPnP.FriendlyName=", v.friendlyName),
-                                        conf::rest("root.Network.HostName=", v.hostName),
-                                        conf::str("root.Network.Interface.I0.Link.MTU=", v.mtu),
-                                    }))
+  if (!conf::scanConf(conf::kNetworkConf,
+                      {
+                          conf::on("root.Network.BootProto=", bootProto),
+                          conf::str("root.Network.IPAddress=", v.address),
+                          conf::str("root.Network.SubnetMask=", v.mask),
+                          conf::str("root.Network.Routing.DefaultRouter=", v.router),
+                          conf::str("root.Network.DNSServer1=", v.dns1),
+                          conf::str("root.Network.DNSServer2=", v.dns2),
+                          conf::str("root.Network.Port=", v.httpPort),
+                          conf::str("root.Network.RTSP.Port=", v.rtspPort),
+                          conf::str("root.Network.UPnP.FriendlyName=", v.friendlyName),
+                          conf::rest("root.Network.HostName=", v.hostName),
+                          conf::str("root.Network.Interface.I0.Link.MTU=", v.mtu),
+                      }))
     conf::logError("[Update_Network]SYSTEM_NETWORK_CONFIG missing");
 
   if (!conf::scanConf(kTimeConf, {conf::str("root.Time.NTP.Server=", v.ntpServer),
@@ -83,12 +83,6 @@ void readNetwork(NetworkValues& v) {
     v.timeZone = onvifTimeZone(v.timeZone.c_str());
   else
     conf::logError("[Update_Network]SYSTEM_TIMEZONE_CONFIG missing");
-}
-
-// A rule that writes `key` + `value` in one of the two addressing modes and
-// keeps the line in the other.
-conf::Rule inMode(bool active, const std::string& key, const std::string& value) {
-  return active ? conf::set(key, value) : conf::keepLine(key);
 }
 
 }  // namespace
@@ -125,37 +119,34 @@ int Update_Network(int /*multiStream*/, int device, shm::ShmBlock& block) {
   const std::string fixedName = std::string("FixedScopes=") + kNameScope;
   const std::string configurableName = std::string("ConfigurableScopes=") + kNameScope;
 
-  conf::RewriteJob job;
-  job.routine = "Update_Network";
-  job.source = conf::kLiveOnvifConf;
-  job.temp = conf::wsTemp(job.routine);
-  job.targets = {conf::kLiveOnvifConf, conf::kPersistOnvifConf};
-  job.missing = "[Update_Network]ONVIF_CONF_FILE missing";
+  const bool manual = !dhcp;
   return conf::rewrite(
-             job,
+             conf::onvifConf("Update_Network", "[Update_Network]ONVIF_CONF_FILE missing"),
              {
                  conf::set("Time.TimeZone=", v.timeZone.str()),
-                 inMode(!dhcp, "Network.IPv4.Config.Manual.Address=", v.address.str()),
-                 inMode(!dhcp, "Network.IPv4.Config.Manual.PrefixLength=", prefix),
-                 inMode(dhcp, "Network.IPv4.Config.FromDHCP.Address=", v.address.str()),
-                 conf::fixed("Network.IPv4.Config.DHCP=",
-                             dhcp ? "Network.IPv4.Config.DHCP=true\n" : "Network.IPv4.Config.DHCP=false\n"),
-                 inMode(!dhcp, "DNSInformation.DNSManual.IPv4Address=", v.dns1.str()),
+                 conf::when(manual,
+                            conf::set("Network.IPv4.Config.Manual.Address=", v.address.str())),
+                 conf::when(manual, conf::set("Network.IPv4.Config.Manual.PrefixLength=", prefix)),
+                 conf::when(dhcp,
+                            conf::set("Network.IPv4.Config.FromDHCP.Address=", v.address.str())),
+                 conf::set("Network.IPv4.Config.DHCP=", dhcp ? "true" : "false"),
+                 conf::when(manual,
+                            conf::set("DNSInformation.DNSManual.IPv4Address=", v.dns1.str())),
                  conf::set("NetworkProtocol1.Port=", v.httpPort.str()),
-                 inMode(device != 2, "NetworkProtocol2.Port=", v.httpsPort.str()),
+                 conf::when(device != 2, conf::set("NetworkProtocol2.Port=", v.httpsPort.str())),
                  conf::set("NetworkProtocol3.Port=", v.rtspPort.str()),
-                 conf::fixed("Time.Type=", v.syncSource.is("NTP") ? "Time.Type=NTP\n" : "Time.Type=Manual\n"),
-                 conf::fixed("NTPInformation.FromDHCP=", "NTPInformation.FromDHCP=false\n"),
+                 conf::set("Time.Type=", v.syncSource.is("NTP") ? "NTP" : "Manual"),
+                 conf::set("NTPInformation.FromDHCP=", "false"),
                  conf::set("NTPInformation.NTPManual.IPv4Address=", v.ntpServer.str()),
                  conf::set("NTPInformation.NTPManual.DNSname=", v.ntpServer.str()),
                  conf::set("NetworkGateway.IPv4Address=", v.router.str()),
-                 inMode(brand == 24, "Model=", v.friendlyName.str()),
+                 conf::when(brand == 24, conf::set("Model=", v.friendlyName.str())),
                  conf::set("HostnameInformation.Name=", v.hostName.str()),
-                 inMode(brand == 40 || brand == 17, "Network.Info.MTU=", v.mtu.str()),
-                 inMode(brand == 9, fixedName, v.hostName.str()),
-                 conf::fixed("Time.DaylightSavings=",
-                             v.dst.is("yes") ? "Time.DaylightSavings=true\n" : "Time.DaylightSavings=false\n"),
-                 inMode(brand == 49, configurableName, v.hostName.str()),
+                 conf::when(brand == 40 || brand == 17,
+                            conf::set("Network.Info.MTU=", v.mtu.str())),
+                 conf::when(brand == 9, conf::set(fixedName, v.hostName.str())),
+                 conf::set("Time.DaylightSavings=", v.dst.is("yes") ? "true" : "false"),
+                 conf::when(brand == 49, conf::set(configurableName, v.hostName.str())),
              })
       .shell;
 }
@@ -164,37 +155,34 @@ int Update_IPAddr(shm::ShmBlock&) {
   Field<64> address;
   Field<64> mask;
   // Reading stops at the first mask line: an address after it is not seen.
-  if (!conf::scanConf(kNetworkConf, {conf::str("root.Network.SubnetMask=", mask).first(),
-                                     conf::str("root.Network.IPAddress=", address)}))
-    conf::logError("[Update_IPAddr] %s missing", kNetworkConf);
+  if (!conf::scanConf(conf::kNetworkConf, {conf::str("root.Network.SubnetMask=", mask).first(),
+                                           conf::str("root.Network.IPAddress=", address)}))
+    conf::logError("[Update_IPAddr] %s missing", conf::kNetworkConf);
   const std::string prefix = prefixText(mask.c_str());
 
-  conf::RewriteJob job;
-  job.routine = "Update_IPAddr";
-  job.source = conf::kLiveOnvifConf;
-  job.temp = conf::wsTemp(job.routine);
-  job.targets = {conf::kLiveOnvifConf};  // the persistent copy is left alone
-  job.missing = "[Update_IPAddr] %s missing";
-  return conf::rewrite(job,
-                       {
-                           conf::set("Network.IPv4.Config.Manual.Address=", address.str()),
-                           conf::set("Network.IPv4.Config.Manual.PrefixLength=", prefix),
-                           conf::set("Network.IPv4.Config.LinkLocal.Address=", address.str()),
-                           conf::set("Network.IPv4.Config.LinkLocal.PrefixLength=", prefix),
-                           conf::set("Network.IPv4.Config.FromDHCP.Address=", address.str()),
-                           conf::set("Network.IPv4.Config.FromDHCP.PrefixLength=", prefix),
-                       })
+  // The live copy alone: the persistent copy is left as it is.
+  return conf::rewrite(
+             conf::inPlace("Update_IPAddr", conf::kLiveOnvifConf, "[Update_IPAddr] %s missing"),
+             {
+                 conf::set("Network.IPv4.Config.Manual.Address=", address.str()),
+                 conf::set("Network.IPv4.Config.Manual.PrefixLength=", prefix),
+                 conf::set("Network.IPv4.Config.LinkLocal.Address=", address.str()),
+                 conf::set("Network.IPv4.Config.LinkLocal.PrefixLength=", prefix),
+                 conf::set("Network.IPv4.Config.FromDHCP.Address=", address.str()),
+                 conf::set("Network.IPv4.Config.FromDHCP.PrefixLength=", prefix),
+             })
       .shell;
 }
 
 int Update_IPV6(shm::ShmBlock& block) {
   Field<32> enabled;
   bool found = false;
-  if (!conf::scanConf(kNetworkConf, {conf::on("root.Network.IPv6.Enabled=", [&](const char* line) {
-                                       conf::scan(line, "root.Network.IPv6.Enabled=%s\n", enabled);
-                                       found = true;
-                                     }).first()}))
-    return conf::logError("Update_IPV6: %s missing", kNetworkConf);
+  if (!conf::scanConf(conf::kNetworkConf,
+                      {conf::on("root.Network.IPv6.Enabled=", [&](const char* line) {
+                         conf::scan(line, "root.Network.IPv6.Enabled=%s\n", enabled);
+                         found = true;
+                       }).first()}))
+    return conf::logError("Update_IPV6: %s missing", conf::kNetworkConf);
   if (found) block.set(Slot::ONVIF_IPV6_STATUS, enabled.is("yes") ? 2 : 3);
   return 0;
 }

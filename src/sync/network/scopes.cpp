@@ -4,8 +4,8 @@
 
 #include "conf/error_log.h"
 #include "conf/field.h"
+#include "conf/files.h"
 #include "conf/keys.h"
-#include "conf/paths.h"
 #include "conf/rewrite.h"
 
 namespace onvif {
@@ -14,7 +14,6 @@ using conf::Field;
 
 namespace {
 
-constexpr const char* kNetworkConf = "/etc/sysconfig/network.conf";
 constexpr const char* kLocationConf = "/etc/sysconfig/location.conf";
 constexpr const char* kNameScope = "FixedScopes=onvif://www.onvif.org/name/";
 constexpr const char* kLocationScope = "ConfigurableScopes=onvif://www.onvif.org/location/";
@@ -26,8 +25,8 @@ int Update_Hostname_To_Scopes(shm::ShmBlock& block) {
     return conf::logError("Update_Hostname_To_Scopes is only for Orvane & Quillon");
 
   Field<64> hostName;
-  if (!conf::scanConf(kNetworkConf, {conf::rest("root.Network.HostName=", hostName).first()}))
-    conf::logError("Update_Hostname_To_Scopes %s missing", kNetworkConf);
+  if (!conf::scanConf(conf::kNetworkConf, {conf::rest("root.Network.HostName=", hostName).first()}))
+    conf::logError("Update_Hostname_To_Scopes %s missing", conf::kNetworkConf);
   Field<64> location;
   location = "country";
   if (!conf::scanConf(kLocationConf, {conf::rest("root.Orvane.Location=", location).first()}))
@@ -35,13 +34,9 @@ int Update_Hostname_To_Scopes(shm::ShmBlock& block) {
 
   // Both are written as read, blanks included: the server takes the scope
   // text as it stands.
-  conf::RewriteJob job;
-  job.routine = "Update_Hostname_To_Scopes";
-  job.source = conf::kLiveOnvifConf;
-  job.temp = conf::wsTemp(job.routine);
-  job.targets = {conf::kLiveOnvifConf, conf::kPersistOnvifConf};
-  job.missing = "Update_Location_To_Scopes %s missing";
-  return conf::rewrite(job, {conf::set(kNameScope, hostName.str()), conf::set(kLocationScope, location.str())})
+  return conf::rewrite(
+             conf::onvifConf("Update_Hostname_To_Scopes", "Update_Location_To_Scopes %s missing"),
+             {conf::set(kNameScope, hostName.str()), conf::set(kLocationScope, location.str())})
       .shell;
 }
 

@@ -10,7 +10,6 @@
 #include "conf/field.h"
 #include "conf/keys.h"
 #include "conf/lines.h"
-#include "conf/paths.h"
 #include "conf/rewrite.h"
 #include "conf/shell.h"
 
@@ -18,7 +17,6 @@ namespace onvif {
 
 using conf::Field;
 using conf::Out;
-using shm::Slot;
 
 namespace {
 
@@ -143,13 +141,6 @@ int fontSize(const std::string& text) {
   return static_cast<int>(v);
 }
 
-// Writes `key` + `value` + "\n" when there is a value, else keeps the line.
-conf::Rule setIf(const std::string& key, const std::string& value, bool has) {
-  return conf::rule(key, [key, value, has](const char*) {
-    return has ? Out::write(key + value + "\n") : Out::keep();
-  });
-}
-
 conf::Result updateRecord(const std::string& token, const Element& e, const TextSettings& s) {
   std::string path = kOsdDir + token + ".osdconf";
   Placement where = placement(e.position);
@@ -157,29 +148,24 @@ conf::Result updateRecord(const std::string& token, const Element& e, const Text
   std::optional<YCbCr> colour = osdColour(valueOf(s.color.c_str()));
   YCbCr c = colour.value_or(YCbCr{0, 0, 0});
 
-  conf::RewriteJob job;
-  job.routine = kRoutine;
-  job.source = path;
-  job.temp = conf::wsTemp(kRoutine);
-  job.targets = {path};
-  job.missing = kMissing;
-  return conf::rewrite(job, {
-      conf::set("OSDToken=", token),
-      conf::fixed("VideoSourceToken=", "VideoSourceToken=VideoSource1\n"),
-      conf::fixed("OSDType=", "OSDType=Text\n"),
-      conf::set("PositionType=", where.type),
-      setIf("Position_X=", where.x, !where.x.empty()),
-      setIf("Position_Y=", where.y, !where.y.empty()),
-      conf::set("TextType=", e.textType),
-      conf::fixed("DateFormat=", "DateFormat=yyyy/MM/dd\n"),
-      conf::fixed("TimeFormat=", "TimeFormat=HH:mm:ss\n"),
-      setIf("FontSize=", std::to_string(size), size > 0),
-      setIf("FontColor_X=", number(c.y), colour.has_value()),
-      setIf("FontColor_Y=", number(c.cb), colour.has_value()),
-      setIf("FontColor_Z=", number(c.cr), colour.has_value()),
-      conf::set("PlainText=", e.plainText),
-      conf::set("PlainTextNo=", std::to_string(e.plainTextNo)),
-  });
+  return conf::rewrite(conf::inPlace(kRoutine, path, kMissing),
+                       {
+                           conf::set("OSDToken=", token),
+                           conf::fixed("VideoSourceToken=", "VideoSourceToken=VideoSource1\n"),
+                           conf::fixed("OSDType=", "OSDType=Text\n"),
+                           conf::set("PositionType=", where.type),
+                           conf::when(!where.x.empty(), conf::set("Position_X=", where.x)),
+                           conf::when(!where.y.empty(), conf::set("Position_Y=", where.y)),
+                           conf::set("TextType=", e.textType),
+                           conf::fixed("DateFormat=", "DateFormat=yyyy/MM/dd\n"),
+                           conf::fixed("TimeFormat=", "TimeFormat=HH:mm:ss\n"),
+                           conf::when(size > 0, conf::set("FontSize=", std::to_string(size))),
+                           conf::when(colour.has_value(), conf::set("FontColor_X=", number(c.y))),
+                           conf::when(colour.has_value(), conf::set("FontColor_Y=", number(c.cb))),
+                           conf::when(colour.has_value(), conf::set("FontColor_Z=", number(c.cr))),
+                           conf::set("PlainText=", e.plainText),
+                           conf::set("PlainTextNo=", std::to_string(e.plainTextNo)),
+                       });
 }
 
 // A list token that names a record file of this folder. "OSD" would name the
@@ -189,17 +175,16 @@ bool isRecordName(const std::string& token) {
          kOsdDir + token + ".osdconf" != kOsdTemplate;
 }
 
-bool recordExists(const std::string& token) {
-  std::FILE* f = conf::openCamera(kOsdDir + token + ".osdconf", "r");
-  if (f == nullptr) return false;
-  std::fclose(f);
-  return true;
-}
+}  // namespace
 
-// The generic path. The records are brought up to date first, then the list
-// is rewritten to name them, and only then are the records of disabled
-// elements removed, so the list never names a record that is not there.
-int updateOsdGeneric(shm::ShmBlock&) {
+// The records are brought up to date first, then the list is rewritten to
+// name them, and only then are the records of disabled elements removed, so
+// the list never names a record that is not there.
+//
+// Brands 16 and 62 (one variant), 23 and 42 have variants of their own on the
+// camera; what they do differently is not known, so every brand takes this
+// path until it is.
+int Update_OSD(shm::ShmBlock&) {
   TextSettings s;
   if (!readSettings(s)) return conf::logError(kMissing, kImageText);
 
@@ -220,7 +205,7 @@ int updateOsdGeneric(shm::ShmBlock&) {
   int shell = 0;
   for (std::size_t p = 0; p < elems.size() && p < listed.size(); ++p) {
     const std::string& old = listed[p];
-    bool had = isRecordName(old) && recordExists(old);
+    bool had = isRecordName(old) && conf::exists(kOsdDir + old + ".osdconf");
     if (!elems[p].enabled) {
       tokens[p] = kNull;
       if (had) removals.push_back(old);
@@ -238,13 +223,8 @@ int updateOsdGeneric(shm::ShmBlock&) {
   }
 
   std::size_t at = 0;
-  conf::RewriteJob job;
-  job.routine = kRoutine;
-  job.source = kOsdList;
-  job.temp = conf::wsTemp(kRoutine);
-  job.targets = {kOsdList};
-  job.missing = kMissing;
-  conf::Result r = conf::rewrite(job, {conf::rule("OSDToken=", [&](const char*) {
+  conf::Result r = conf::rewrite(conf::inPlace(kRoutine, kOsdList, kMissing),
+                                 {conf::rule("OSDToken=", [&](const char*) {
                                    std::size_t p = at++;
                                    return p < elems.size() ? Out::write("OSDToken=" + tokens[p] + "\n") : Out::keep();
                                  })});
@@ -256,21 +236,6 @@ int updateOsdGeneric(shm::ShmBlock&) {
       shell = conf::shellRemove(kOsdDir + token + ".osdconf");
   return shell;
 }
-
-// Brands with a variant of their own. What their variants do differently is
-// not known yet; each takes the generic path until it is.
-struct OsdVariant {
-  int brand;
-  int (*run)(shm::ShmBlock&);
-};
-const OsdVariant kVariants[] = {
-    {16, updateOsdGeneric},  // shares its variant with 62
-    {62, updateOsdGeneric},
-    {23, updateOsdGeneric},
-    {42, updateOsdGeneric},
-};
-
-}  // namespace
 
 YCbCr ycbcrFromRgb(int r, int g, int b) {
   auto clamp = [](double v) { return std::clamp(v, 0.0, 255.0); };
@@ -292,13 +257,6 @@ std::optional<YCbCr> osdColour(const std::string& name) {
   for (const Named& c : kColours)
     if (name == c.name) return ycbcrFromRgb(c.r, c.g, c.b);
   return std::nullopt;
-}
-
-int Update_OSD(shm::ShmBlock& block) {
-  int brand = block.get(Slot::ONVIF_BRAND);
-  for (const OsdVariant& v : kVariants)
-    if (v.brand == brand) return v.run(block);
-  return updateOsdGeneric(block);
 }
 
 }  // namespace onvif

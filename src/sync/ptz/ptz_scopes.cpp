@@ -3,8 +3,8 @@
 #include <string>
 
 #include "conf/error_log.h"
+#include "conf/files.h"
 #include "conf/lines.h"
-#include "conf/paths.h"
 #include "conf/rewrite.h"
 
 namespace onvif {
@@ -13,7 +13,6 @@ namespace {
 
 constexpr const char* kStreamingScope = "FixedScopes=onvif://www.onvif.org/Profile/Streaming";
 constexpr const char* kPtzScope = "FixedScopes=onvif://www.onvif.org/type/ptz";
-constexpr const char* kProfiles = "/tmp/onvif/Profiles.conf";
 
 }  // namespace
 
@@ -31,34 +30,26 @@ void update_onvif_conf_file_ptzscopes(int ptz) {
   const bool on = ptz == 1;
   if (on == present) return;
 
-  conf::RewriteJob job;
-  job.routine = routine;
-  job.source = conf::kLiveOnvifConf;
-  job.temp = conf::wsTemp(routine);
-  job.targets = {conf::kLiveOnvifConf, conf::kPersistOnvifConf};
-  job.missing = missing;
-  // On: the PTZ scope follows each Streaming profile scope (none, none added).
-  // Off: every PTZ scope line goes.
-  conf::rewrite(job, {on ? conf::rule(kStreamingScope,
-                                      [](const char*) { return conf::Out::keepThen(std::string(kPtzScope) + "\n"); })
-                         : conf::dropLine(kPtzScope)});
+  // Two different rewrites of one rule each. On: the PTZ scope follows each
+  // Streaming profile scope (none, none added). Off: every PTZ scope line goes.
+  const conf::Rule add = conf::rule(kStreamingScope, [](const char*) {
+    return conf::Out::keepThen(std::string(kPtzScope) + "\n");
+  });
+  conf::rewrite(conf::onvifConf(routine, missing), {on ? add : conf::dropLine(kPtzScope)});
 }
 
 void update_onvif_profile_ptzconf(int ptz) {
   const std::string routine = "update_onvif_profile_ptzconf";
   const std::string missing = routine + ":%s missing";
   const char* binding = ptz == 1 ? "PTZ=PTZConf1\n" : "PTZ=NONE\n";
-  if (!conf::forEachName(kProfiles, "profile filename=", "profile filename=%s\n", [&](const std::string& name) {
-        conf::RewriteJob job;
-        job.routine = routine;
-        job.source = conf::kLiveDir + name;
-        job.temp = conf::wsTemp(routine);
-        job.targets = {job.source};
-        job.missing = missing;  // logged; the next profile is processed
-        conf::rewrite(job, {conf::fixed("PTZ=", binding)});
-        return true;
-      }))
-    conf::logError(missing.c_str(), kProfiles);
+  if (!conf::forEachName(conf::kProfileList, "profile filename=", "profile filename=%s\n",
+                         [&](const std::string& name) {
+                           // A missing record is logged; the next profile is processed.
+                           conf::rewrite(conf::inPlace(routine, conf::kLiveDir + name, missing),
+                                         {conf::fixed("PTZ=", binding)});
+                           return true;
+                         }))
+    conf::logError(missing.c_str(), conf::kProfileList);
 }
 
 }  // namespace onvif

@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "conf/error_log.h"
+#include "conf/files.h"
 #include "conf/keys.h"
 #include "conf/lines.h"
-#include "conf/paths.h"
 #include "conf/rewrite.h"
 #include "sync/video/encoders.h"
 #include "sync/video/resolution.h"
@@ -22,7 +22,6 @@ using shm::Slot;
 namespace {
 
 constexpr const char* kRoutine = "Update_Imapge_Appearance";
-constexpr const char* kProfileList = "/tmp/onvif/Profiles.conf";
 constexpr const char* kAppMissing = "[Update_Imapge_Appearance]SYSTEM_IMAGE_APP_CONFIG missing";
 constexpr const char* kListMissing = "[Update_Imapge_Appearance]ONVIF_VIDEO_ENCODER_CONF missing";
 constexpr const char* kEncoderMissing = "[Update_Imapge_Appearance]ONVIF_VIDEO_ENCODER_X missing";
@@ -48,7 +47,7 @@ bool readAppearance(Appearance& a, Shape shape) {
       : shape == Shape::Four ? "root.Image.I0.Appearance.Resolution=%[^','],%[^','],%[^','],%[^'\n']"
                              : "root.Image.I0.Appearance.Resolution=%[^','],%[^','],%[^'\n']";
   const std::string p = "root.Image.I0.Appearance.";
-  bool found = conf::scanConf(kImageAppearanceConf, {
+  bool found = conf::scanConf(conf::kImageAppearanceConf, {
       conf::rest(p + "MjpegQfactor=", a.mjpegQ),
       conf::rest(p + "Mjpeg_2Qfactor=", a.mjpeg2Q),
       conf::rest(p + "H264Bitrate=", a.bitrate[0]),
@@ -78,19 +77,19 @@ bool readAppearance(Appearance& a, Shape shape) {
   return found;
 }
 
-// What one encoder record receives; an unset value leaves its line alone.
+// What one encoder record receives; an unset value keeps its line.
 struct StreamValues {
+  std::optional<std::string> encoding;
   int width = 0;  // the size lines are kept unless both are above 0
   int height = 0;
-  std::optional<int> quality;
-  std::optional<std::string> bitrate, gov, profile;
+  std::optional<std::string> quality, bitrate, gov, profile;
 };
 
 StreamValues jpegValues(int width, int height, const Field<8>& factor) {
   StreamValues v;
   v.width = width;
   v.height = height;
-  v.quality = JpegQuality(textNumber(factor.c_str()));
+  v.quality = std::to_string(JpegQuality(textNumber(factor.c_str())));
   return v;
 }
 
@@ -103,22 +102,23 @@ StreamValues videoValues(int width, int height, const Field<8>& bitrate, const F
   return v;
 }
 
-std::vector<conf::Rule> valueRules(const StreamValues& v) {
-  std::vector<conf::Rule> rules;
-  if (v.width > 0 && v.height > 0) {
-    rules.push_back(conf::set("Resolution width=", std::to_string(v.width)));
-    rules.push_back(conf::set("Resolution height=", std::to_string(v.height)));
-  }
-  if (v.quality) rules.push_back(conf::set("Quality=", std::to_string(*v.quality)));
-  if (v.bitrate) rules.push_back(conf::set("BitrateLimit=", *v.bitrate));
-  if (v.gov) rules.push_back(conf::set("GovLength=", *v.gov));
-  if (v.profile) rules.push_back(conf::set("H264Profile=", *v.profile));
-  return rules;
-}
-
-std::vector<conf::Rule> operator+(std::vector<conf::Rule> a, const std::vector<conf::Rule>& b) {
-  a.insert(a.end(), b.begin(), b.end());
-  return a;
+// The routine's keys in their order, the same on every path: a line is
+// decided by the first of them it holds, and an unset value keeps it (an
+// H.264 record's "Quality=3 BitrateLimit=4" line stays as it is). `useCount`
+// is the "UseCount=" rule of the multi-stream path.
+std::vector<conf::Rule> encoderRules(const StreamValues& v,
+                                     conf::Rule useCount = conf::keepLine("UseCount=")) {
+  const bool sized = v.width > 0 && v.height > 0;
+  return {
+      conf::setOr("Encoding=", v.encoding),
+      std::move(useCount),
+      conf::when(sized, conf::set("Resolution width=", std::to_string(v.width))),
+      conf::when(sized, conf::set("Resolution height=", std::to_string(v.height))),
+      conf::setOr("Quality=", v.quality),
+      conf::setOr("BitrateLimit=", v.bitrate),
+      conf::setOr("GovLength=", v.gov),
+      conf::setOr("H264Profile=", v.profile),
+  };
 }
 
 // ---- The multi-stream path ----
@@ -193,26 +193,24 @@ Stream streamOn(int code, int k) {
   return s;
 }
 
-conf::Rule encodingRule(Codec c) {
-  return conf::rule("Encoding=", [c](const char*) {
-    if (c == Codec::Jpeg) return Out::write("Encoding=JPEG\n");
-    if (c == Codec::H264) return Out::write("Encoding=H264\n");
-    return Out::keep();
+std::optional<std::string> codecWord(Codec c) {
+  if (c == Codec::Jpeg) return "JPEG";
+  if (c == Codec::H264) return "H264";
+  return std::nullopt;
+}
+
+// "UseCount=" of encoder k (1..4): the profiles bound to it, counted anew for
+// each such line.
+conf::Rule useCountOf(int k) {
+  return conf::rule("UseCount=", [k](const char*) {
+    std::array<std::string, 4> counts;
+    Sync_VideoEncoderUseCount(counts);
+    return k >= 1 ? Out::write("UseCount=" + counts[k - 1] + "\n") : Out::keep();
   });
 }
 
-std::vector<conf::Rule> multiStreamRules(const Appearance& a, const int width[5], const int height[5], int code,
-                                         int k) {
-  Codec encoding = Codec::Keep;
-  if (k >= 1) encoding = knownLayout(code) ? kEncoderCodecs[code][k - 1] : kEncoderCodecs[8][k - 1];
-  std::vector<conf::Rule> rules = {
-      encodingRule(encoding),
-      conf::rule("UseCount=", [k](const char*) {
-        std::array<std::string, 4> counts;
-        Sync_VideoEncoderUseCount(counts);
-        return k >= 1 ? Out::write("UseCount=" + counts[k - 1] + "\n") : Out::keep();
-      }),
-  };
+std::vector<conf::Rule> multiStreamRules(const Appearance& a, const int width[5],
+                                         const int height[5], int code, int k) {
   Stream s = streamOn(code, k);
   StreamValues v;
   if (s.codec == Codec::Jpeg && s.n == 1) v = jpegValues(width[kJ], height[kJ], a.mjpegQ);
@@ -221,7 +219,10 @@ std::vector<conf::Rule> multiStreamRules(const Appearance& a, const int width[5]
     v = videoValues(width[s.n], height[s.n], a.bitrate[s.n - 1], a.gov[s.n - 1]);
     v.profile = MapH264ProfileName(a.profile[s.n - 1].c_str());
   }
-  return rules + valueRules(v);
+  if (k >= 1)
+    v.encoding =
+        codecWord(knownLayout(code) ? kEncoderCodecs[code][k - 1] : kEncoderCodecs[8][k - 1]);
+  return encoderRules(v, useCountOf(k));
 }
 
 int multiStreamPath(int videoType, shm::ShmBlock& block) {
@@ -306,7 +307,8 @@ int perCodecPath(int videoType, int device, shm::ShmBlock& block) {
     if (auto v = codecValues(a, l, facts.encoding.c_str())) passes.push_back(*v);
     if (facts.encoding.is("H264") && facts.channel.is("2"))
       passes.push_back(videoValues(l.h264_2.width, l.h264_2.height, a.bitrate[1], a.gov[1]));
-    for (const StreamValues& v : passes) shell = rewriteEncoder(kRoutine, name, kEncoderMissing, valueRules(v)).shell;
+    for (const StreamValues& v : passes)
+      shell = rewriteEncoder(kRoutine, name, kEncoderMissing, encoderRules(v)).shell;
     return true;
   });
   return listed ? shell : conf::logError(kListMissing);
@@ -338,14 +340,12 @@ int twoEncoderPath(int videoType, int device, shm::ShmBlock& block) {
     EncoderFacts facts;
     if (names[k].empty()) return conf::logError(missing);
     if (!readEncoderFacts(names[k], facts)) return rewriteEncoder(kRoutine, names[k], missing, {}).shell;
-    std::vector<conf::Rule> rules;
-    const char* codec = facts.encoding.c_str();
-    if (static_cast<std::size_t>(k) <= enabled.size()) {
-      codec = enabled[k - 1];
-      rules.push_back(conf::set("Encoding=", codec));
-    }
-    if (auto v = codecValues(a, l, codec)) rules = rules + valueRules(*v);
-    shell = rewriteEncoder(kRoutine, names[k], missing, rules).shell;
+    std::optional<std::string> encoding;
+    if (static_cast<std::size_t>(k) <= enabled.size()) encoding = enabled[k - 1];
+    StreamValues v = codecValues(a, l, encoding ? encoding->c_str() : facts.encoding.c_str())
+                         .value_or(StreamValues{});
+    v.encoding = encoding;
+    shell = rewriteEncoder(kRoutine, names[k], missing, encoderRules(v)).shell;
   }
   return shell;
 }
@@ -371,22 +371,23 @@ int JpegQuality(int factor) {
 
 void Sync_VideoEncoderUseCount(std::array<std::string, 4>& counts) {
   int uses[4] = {};
-  bool listed = conf::forEachName(kProfileList, "", "profile filename=%s\n", [&](const std::string& name) {
-    std::string path = std::string(conf::kLiveDir) + name;
-    Field<64> encoder;
-    if (!conf::scanConf(path, {conf::str("VideoEncoder=", encoder).first()})) {
-      conf::logError("Sync_VideoEncoderUseCount %s missing", path);
-      return true;
-    }
-    for (int k = 1; k <= 4; ++k) {
-      if (encoder.holds(("VideoEncoder" + std::to_string(k)).c_str())) {
-        ++uses[k - 1];
-        break;
-      }
-    }
-    return true;
-  });
-  if (!listed) conf::logError("Sync_VideoEncoderUseCount:%s missing", kProfileList);
+  bool listed = conf::forEachName(
+      conf::kProfileList, "", "profile filename=%s\n", [&](const std::string& name) {
+        std::string path = std::string(conf::kLiveDir) + name;
+        Field<64> encoder;
+        if (!conf::scanConf(path, {conf::str("VideoEncoder=", encoder).first()})) {
+          conf::logError("Sync_VideoEncoderUseCount %s missing", path);
+          return true;
+        }
+        for (int k = 1; k <= 4; ++k) {
+          if (encoder.holds(("VideoEncoder" + std::to_string(k)).c_str())) {
+            ++uses[k - 1];
+            break;
+          }
+        }
+        return true;
+      });
+  if (!listed) conf::logError("Sync_VideoEncoderUseCount:%s missing", conf::kProfileList);
   for (int k = 0; k < 4; ++k) counts[k] = std::to_string(uses[k]);
 }
 
@@ -395,24 +396,22 @@ int CheckResolutionToAddOrMinusVideoEncoderInProfile(shm::ShmBlock& block) {
   int bound = boundEncoders(block.get(Slot::ONVIF_MULTIPLE_STREAM));
   bool audioToo = block.get(Slot::ONVIF_BRAND) == 28;
   int shell = 0;
-  bool listed = conf::forEachName(kProfileList, "", "profile filename=%s\n", [&](const std::string& name) {
-    int p = profileNumber(name);
-    auto bindTo = [&](const char* kind) { return p <= bound ? kind + std::to_string(p) : std::string("NONE"); };
-    std::vector<conf::Rule> rules;
-    if (bound > 0 && p > 0) {
-      rules.push_back(conf::set("VideoEncoder=", bindTo("VideoEncoder")));
-      if (audioToo) rules.push_back(conf::set("AudioEncoder=", bindTo("AudioEncoder")));
-    }
-    conf::RewriteJob job;
-    job.routine = routine;
-    job.source = std::string(conf::kLiveDir) + name;
-    job.temp = conf::wsTemp(routine);
-    job.targets = {job.source};
-    job.missing = routine + " %s missing";
-    shell = conf::rewrite(job, rules).shell;
-    return true;
-  });
-  return listed ? shell : conf::logError((routine + " %s missing").c_str(), kProfileList);
+  bool listed = conf::forEachName(
+      conf::kProfileList, "", "profile filename=%s\n", [&](const std::string& name) {
+        int p = profileNumber(name);
+        auto bindTo = [&](const char* kind) {
+          return p <= bound ? kind + std::to_string(p) : std::string("NONE");
+        };
+        const bool bind = bound > 0 && p > 0;
+        shell =
+            conf::rewrite(
+                conf::inPlace(routine, conf::kLiveDir + name, routine + " %s missing"),
+                {conf::when(bind, conf::set("VideoEncoder=", bindTo("VideoEncoder"))),
+                 conf::when(bind && audioToo, conf::set("AudioEncoder=", bindTo("AudioEncoder")))})
+                .shell;
+        return true;
+      });
+  return listed ? shell : conf::logError((routine + " %s missing").c_str(), conf::kProfileList);
 }
 
 int Update_Imapge_Appearance(int multiStream, int videoType, int device, shm::ShmBlock& block) {

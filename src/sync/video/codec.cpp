@@ -1,8 +1,8 @@
 #include "sync/video/codec.h"
 
 #include "conf/error_log.h"
+#include "conf/files.h"
 #include "conf/keys.h"
-#include "conf/paths.h"
 
 namespace onvif {
 

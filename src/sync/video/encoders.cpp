@@ -3,9 +3,9 @@
 #include <cstring>
 #include <string>
 
+#include "conf/files.h"
 #include "conf/keys.h"
 #include "conf/lines.h"
-#include "conf/paths.h"
 #include "conf/scan.h"
 
 namespace onvif {
@@ -17,7 +17,7 @@ int encoderNumber(const char* text, int maxK) {
 }
 
 bool forEachEncoder(int maxK, bool onlyNumbered, const std::function<bool(const std::string&, int)>& fn) {
-  return conf::forEachLine(kVideoEncoderList, [&](const char* line) {
+  return conf::forEachLine(conf::kVideoEncoderList, [&](const char* line) {
     int k = encoderNumber(line, maxK);
     if (onlyNumbered && k == 0) return true;
     conf::Field<64> name;
@@ -45,13 +45,7 @@ bool readEncoderFacts(const std::string& name, EncoderFacts& facts) {
 
 conf::Result rewriteEncoder(const std::string& routine, const std::string& name, const std::string& missing,
                             const std::vector<conf::Rule>& rules) {
-  conf::RewriteJob job;
-  job.routine = routine;
-  job.source = encoderPath(name);
-  job.temp = conf::wsTemp(routine);
-  job.targets = {job.source};
-  job.missing = missing;
-  return conf::rewrite(job, rules);
+  return conf::rewrite(conf::inPlace(routine, encoderPath(name), missing), rules);
 }
 
 int textNumber(const char* text) {

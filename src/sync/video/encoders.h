@@ -11,9 +11,6 @@
 
 namespace onvif {
 
-inline constexpr const char* kVideoEncoderList = "/usr/apache/htdocs/onvif/VideoEncoder.conf";
-inline constexpr const char* kImageAppearanceConf = "/etc/sysconfig/image_appearance.conf";
-
 // The number k of the first "VideoEncoder<k>." (k = 1..maxK) that `text`
 // holds, or 0.
 int encoderNumber(const char* text, int maxK);

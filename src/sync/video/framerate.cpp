@@ -1,5 +1,6 @@
 #include "sync/video/framerate.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -106,11 +107,12 @@ int Update_framerate(int multiStream, int device, shm::ShmBlock& block) {
     int code = block.get(Slot::ONVIF_MULTIPLE_STREAM);
     int shell = 0;
     bool listed = forEachEncoder(4, false, [&](const std::string& name, int k) {
-      std::vector<conf::Rule> rules;
       int stream = rateOnEncoder(code, k);
-      if (stream != kKept) rules.push_back(conf::set("FrameRateLimit=", rates[stream]));
-      conf::Result r =
-          rewriteEncoder(routine, name, "onvifServer:[Update_framerate]ONVIF_VIDEO_ENCODER_X missing", rules);
+      std::optional<std::string> limit;
+      if (stream != kKept) limit = rates[stream];
+      conf::Result r = rewriteEncoder(routine, name,
+                                      "onvifServer:[Update_framerate]ONVIF_VIDEO_ENCODER_X missing",
+                                      {conf::setOr("FrameRateLimit=", limit)});
       shell = r.shell;
       return r.status != conf::Status::SourceMissing;
     });

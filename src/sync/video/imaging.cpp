@@ -2,12 +2,13 @@
 
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <vector>
 
 #include "conf/error_log.h"
+#include "conf/files.h"
 #include "conf/keys.h"
 #include "conf/lines.h"
-#include "conf/paths.h"
 #include "conf/rewrite.h"
 #include "sync/video/encoders.h"
 
@@ -20,7 +21,6 @@ using shm::Slot;
 namespace {
 
 constexpr const char* kRoutine = "Update_Imapge_Source";
-constexpr const char* kImageSourceConf = "/etc/sysconfig/image_source.conf";
 constexpr const char* kIrConf = "/etc/sysconfig/ir.conf";
 constexpr const char* kVideoSourceList = "/usr/apache/htdocs/onvif/VideoSource.conf";
 
@@ -32,22 +32,23 @@ struct Sensor {
 
 bool readSensor(Sensor& s) {
   const std::string p = "root.ImageSource.I0.";
-  return conf::scanConf(kImageSourceConf, {
-      conf::rest(p + "Sensor.WhiteBalance=", s.whiteBalance),
-      conf::rest(p + "Sensor.WhiteBalance.Rgain=", s.rgain),
-      conf::rest(p + "Sensor.WhiteBalance.Bgain=", s.bgain),
-      conf::rest(p + "Sensor.Backlight=", s.backlight),
-      conf::rest(p + "Sensor.Brightness=", s.brightness),
-      conf::rest(p + "Sensor.Sharpness=", s.sharpness),
-      conf::rest(p + "Sensor.Contrast=", s.contrast),
-      conf::rest(p + "Sensor.ColorLevel=", s.colorLevel),
-      conf::rest(p + "Sensor.Wdr=", s.wdr),
-      conf::rest(p + "Sensor.ShutterWdr=", s.shutterWdr),
-      conf::rest(p + "Sensor.ICR=", s.icr),
-      conf::rest(p + "Sensor.Exposure=", s.exposure),
-      conf::rest(p + "Video.DetectedType=", s.detectedType),
-      conf::rest(p + "Sensor.Exposure.ManualPreset.AGCGain=", s.agcGain),
-  });
+  return conf::scanConf(conf::kImageSourceConf,
+                        {
+                            conf::rest(p + "Sensor.WhiteBalance=", s.whiteBalance),
+                            conf::rest(p + "Sensor.WhiteBalance.Rgain=", s.rgain),
+                            conf::rest(p + "Sensor.WhiteBalance.Bgain=", s.bgain),
+                            conf::rest(p + "Sensor.Backlight=", s.backlight),
+                            conf::rest(p + "Sensor.Brightness=", s.brightness),
+                            conf::rest(p + "Sensor.Sharpness=", s.sharpness),
+                            conf::rest(p + "Sensor.Contrast=", s.contrast),
+                            conf::rest(p + "Sensor.ColorLevel=", s.colorLevel),
+                            conf::rest(p + "Sensor.Wdr=", s.wdr),
+                            conf::rest(p + "Sensor.ShutterWdr=", s.shutterWdr),
+                            conf::rest(p + "Sensor.ICR=", s.icr),
+                            conf::rest(p + "Sensor.Exposure=", s.exposure),
+                            conf::rest(p + "Video.DetectedType=", s.detectedType),
+                            conf::rest(p + "Sensor.Exposure.ManualPreset.AGCGain=", s.agcGain),
+                        });
 }
 
 using Words = std::vector<const char*>;
@@ -128,6 +129,161 @@ std::string oneDecimal(float v) {
   return buf;
 }
 
+// What the rules work from, read before the rewrite.
+struct Imaging {
+  Sensor sensor;
+  int device = 0;
+  int ioType = 0;
+  // The exposure's "no control" marker, taken before the exposure mode is
+  // written into the same slot.
+  bool noExposureControl = false;
+
+  bool manualExposure() const { return oneOf(sensor.exposure, {"manual", "manualpreset"}); }
+  double gainDivisor() const { return ioType == 2 || ioType == 3 ? 255 : 127; }
+};
+
+// The sensor settings and, below I/O type 3, the IR mode; missing files are
+// logged and leave their values empty.
+void readImaging(Imaging& in) {
+  if (!readSensor(in.sensor)) conf::logError("[Update_Imapge_Source]SYSTEM_IMAGE_CONFIG missing");
+  if (in.ioType < 3 && !conf::scanConf(kIrConf, {conf::on("root.IR.Mode", [&](const char* line) {
+                                         conf::scan(line, "root.IR.Mode=%s\n", in.sensor.icr);
+                                       })}))
+    conf::logError("[Update_Imapge_Source]SYSTEM_IR_CONFIG missing");
+}
+
+conf::Rule backlightRule(const Imaging& in) {
+  return conf::rule("BacklightCompensation.Mode=", [&in](const char*) {
+    if (in.sensor.backlight.is("on")) return Out::write("BacklightCompensation.Mode=ON\n");
+    if (in.sensor.backlight.is("off")) return Out::write("BacklightCompensation.Mode=OFF\n");
+    return Out::keep();
+  });
+}
+
+conf::Rule scaleRule(const ScaleRule& r, const Imaging& in, const shm::ShmBlock& block) {
+  return conf::rule(r.key, [&r, &in, &block](const char*) {
+    if (block.get(r.marker) == -1) return Out::write(std::string(r.key) + "NONE\n");
+    const Scale& sc = in.device == 2 ? r.device2 : in.device == 4 ? r.device4 : r.others;
+    if (sc.kept) return Out::keep();
+    double x = textNumber((in.sensor.*r.value).c_str());
+    return Out::write(r.key + ScaledSetting(x - sc.offset, sc.divisor) + "\n");
+  });
+}
+
+// A level word ("1" to "4") turns WDR on and gives the level of a later
+// "WideDynamicRange.Level=" line.
+conf::Rule wdrModeRule(const Imaging& in, const std::shared_ptr<int>& level) {
+  return conf::rule("WideDynamicRange.Mode=", [&in, level](const char*) {
+    const Field<32>& wdr = in.sensor.wdr;
+    if (wdr.is("off")) return Out::write("WideDynamicRange.Mode=OFF\n");
+    if (wdr.is("on")) return Out::write("WideDynamicRange.Mode=ON\n");
+    if (in.device != 4 && oneOf(wdr, {"1", "2", "3", "4"})) {
+      *level = wdr.c_str()[0] - '0';
+      return Out::write("WideDynamicRange.Mode=ON\n");
+    }
+    return Out::keep();
+  });
+}
+
+conf::Rule wdrLevelRule(const Imaging& in, const std::shared_ptr<int>& level) {
+  return conf::rule("WideDynamicRange.Level=", [&in, level](const char*) {
+    if (in.device == 4 || *level == 0) return Out::keep();
+    return Out::write("WideDynamicRange.Level=" + std::to_string(*level) + ".0\n");
+  });
+}
+
+conf::Rule whiteBalanceRule(const Imaging& in, shm::ShmBlock& block) {
+  return conf::rule("WhiteBalance.Mode=", [&in, &block](const char*) {
+    const WhiteBalanceRow& row = whiteBalanceRow(in.device);
+    if (oneOf(in.sensor.whiteBalance, row.automatic)) {
+      block.set(Slot::IMAGE_WBC_MODE, 2);
+      return Out::write("WhiteBalance.Mode=AUTO\n");
+    }
+    if (oneOf(in.sensor.whiteBalance, row.manual)) {
+      block.set(Slot::IMAGE_WBC_MODE, 3);
+      return Out::write("WhiteBalance.Mode=MANUAL\n");
+    }
+    return Out::keep();
+  });
+}
+
+conf::Rule gainRule(const GainRule& g, const Imaging& in) {
+  return conf::rule(g.key, [&g, &in](const char*) {
+    if (in.device == 2 || !in.sensor.whiteBalance.is("manual")) return Out::keep();
+    double x = textNumber((in.sensor.*g.value).c_str());
+    return Out::write(g.key + ScaledSetting(x, in.gainDivisor()) + "\n");
+  });
+}
+
+conf::Rule irCutRule(const Imaging& in) {
+  return conf::rule("IrCutFilter=", [&in](const char*) {
+    for (const IrRow& r : kIrCut)
+      if (oneOf(in.sensor.icr, r.words)) return Out::write(r.line);
+    return Out::keep();
+  });
+}
+
+conf::Rule exposureModeRule(const Imaging& in, shm::ShmBlock& block) {
+  return conf::rule("Exposure.Mode=", [&in, &block](const char*) {
+    block.set(Slot::IMAGE_EXPOSURE_MODE, in.manualExposure() ? 3 : 2);
+    return Out::write(in.manualExposure() ? "Exposure.Mode=MANUAL\n" : "Exposure.Mode=AUTO\n");
+  });
+}
+
+conf::Rule previousAeRule(const Imaging& in) {
+  return conf::rule("PreviousAE.Mode=", [&in](const char*) {
+    std::string mode = in.manualExposure() ? "NONE" : in.sensor.exposure.str();
+    return Out::write("PreviousAE.Mode=" + mode + "\n");
+  });
+}
+
+conf::Rule exposureGainRule(const Imaging& in, const shm::ShmBlock& block) {
+  return conf::rule("Exposure.Gain=", [&in, &block](const char*) {
+    if (in.noExposureControl) return Out::keep();
+    int agc = textNumber(in.sensor.agcGain.c_str());
+    if (block.get(Slot::ONVIF_BRAND) == 42 && in.ioType >= 2 && in.ioType <= 4)
+      return Out::write("Exposure.Gain=" + oneDecimal(static_cast<float>(agc - 1.0)) + "\n");
+    int max = block.get(Slot::IMAGE_EXPOSURE_GAIN_MAX);
+    if (max == 0) return Out::keep();  // no gain scale: nothing to convert with
+    float gain = static_cast<float>(agc) / static_cast<float>(max) * 100.0f;
+    return Out::write("Exposure.Gain=" + oneDecimal(gain) + "\n");
+  });
+}
+
+// The rules of the video source record, in their order. They read `in` and
+// `block` when the rewrite runs, so both must outlive it.
+std::vector<conf::Rule> imagingRules(const Imaging& in, shm::ShmBlock& block) {
+  auto wdrLevel = std::make_shared<int>(0);  // 0: no level word seen
+  return {
+      backlightRule(in),
+      scaleRule(kScales[0], in, block),  // brightness
+      scaleRule(kScales[1], in, block),  // colour saturation
+      scaleRule(kScales[2], in, block),  // contrast
+      scaleRule(kScales[3], in, block),  // sharpness
+      wdrModeRule(in, wdrLevel),
+      wdrLevelRule(in, wdrLevel),
+      whiteBalanceRule(in, block),
+      gainRule(kGains[0], in),
+      gainRule(kGains[1], in),
+      irCutRule(in),
+      exposureModeRule(in, block),
+      previousAeRule(in),
+      exposureGainRule(in, block),
+  };
+}
+
+// The first record the list names on a "VideoSource1." line, or "" when
+// there is none; `listed` is false when the list is missing.
+std::string videoSource(bool& listed) {
+  std::string source;
+  listed =
+      conf::forEachName(kVideoSourceList, "VideoSource1.", "%s\n", [&](const std::string& name) {
+        source = name;
+        return false;
+      });
+  return source;
+}
+
 }  // namespace
 
 std::string ScaledSetting(double x, double divisor) {
@@ -135,105 +291,19 @@ std::string ScaledSetting(double x, double divisor) {
 }
 
 int Update_Imapge_Source(int, int device, int ioType, shm::ShmBlock& block) {
-  Sensor s;
-  if (!readSensor(s)) conf::logError("[Update_Imapge_Source]SYSTEM_IMAGE_CONFIG missing");
-  if (ioType < 3 &&
-      !conf::scanConf(kIrConf, {conf::on("root.IR.Mode", [&](const char* line) {
-                        conf::scan(line, "root.IR.Mode=%s\n", s.icr);
-                      })}))
-    conf::logError("[Update_Imapge_Source]SYSTEM_IR_CONFIG missing");
-
-  std::string source;
-  if (!conf::forEachName(kVideoSourceList, "VideoSource1.", "%s\n", [&](const std::string& name) {
-        source = name;
-        return false;
-      }))
-    return conf::logError("[Update_Imapge_Source]ONVIF_VIDEO_SOURCE missing");
-  if (source.empty()) return conf::logError("[Update_Imapge_Source]ONVIF_VIDEO_SOURCE_1 missing");
-
-  // The "no control" marker of the exposure is taken before the exposure
-  // mode is written into the same slot.
-  const bool noExposureControl = block.get(Slot::IMAGE_EXPOSURE_MODE) == -1;
-  const double gainDivisor = (ioType == 2 || ioType == 3) ? 255 : 127;
-  const bool manualExposure = oneOf(s.exposure, {"manual", "manualpreset"});
-  int wdrLevel = 0;  // remembered from a Mode line, for a later Level line
-
-  std::vector<conf::Rule> rules;
-  rules.push_back(conf::rule("BacklightCompensation.Mode=", [&](const char*) {
-    if (s.backlight.is("on")) return Out::write("BacklightCompensation.Mode=ON\n");
-    if (s.backlight.is("off")) return Out::write("BacklightCompensation.Mode=OFF\n");
-    return Out::keep();
-  }));
-  for (const ScaleRule& r : kScales) {
-    rules.push_back(conf::rule(r.key, [&, r](const char*) {
-      if (block.get(r.marker) == -1) return Out::write(std::string(r.key) + "NONE\n");
-      const Scale& sc = device == 2 ? r.device2 : device == 4 ? r.device4 : r.others;
-      if (sc.kept) return Out::keep();
-      double x = textNumber((s.*r.value).c_str());
-      return Out::write(r.key + ScaledSetting(x - sc.offset, sc.divisor) + "\n");
-    }));
-  }
-  rules.push_back(conf::rule("WideDynamicRange.Mode=", [&](const char*) {
-    if (s.wdr.is("off")) return Out::write("WideDynamicRange.Mode=OFF\n");
-    if (s.wdr.is("on")) return Out::write("WideDynamicRange.Mode=ON\n");
-    if (device != 4 && oneOf(s.wdr, {"1", "2", "3", "4"})) {
-      wdrLevel = s.wdr.c_str()[0] - '0';
-      return Out::write("WideDynamicRange.Mode=ON\n");
-    }
-    return Out::keep();
-  }));
-  rules.push_back(conf::rule("WideDynamicRange.Level=", [&](const char*) {
-    if (device == 4 || wdrLevel == 0) return Out::keep();
-    return Out::write("WideDynamicRange.Level=" + std::to_string(wdrLevel) + ".0\n");
-  }));
-  rules.push_back(conf::rule("WhiteBalance.Mode=", [&](const char*) {
-    const WhiteBalanceRow& row = whiteBalanceRow(device);
-    if (oneOf(s.whiteBalance, row.automatic)) {
-      block.set(Slot::IMAGE_WBC_MODE, 2);
-      return Out::write("WhiteBalance.Mode=AUTO\n");
-    }
-    if (oneOf(s.whiteBalance, row.manual)) {
-      block.set(Slot::IMAGE_WBC_MODE, 3);
-      return Out::write("WhiteBalance.Mode=MANUAL\n");
-    }
-    return Out::keep();
-  }));
-  for (const GainRule& g : kGains) {
-    rules.push_back(conf::rule(g.key, [&, g](const char*) {
-      if (device == 2 || !s.whiteBalance.is("manual")) return Out::keep();
-      return Out::write(g.key + ScaledSetting(textNumber((s.*g.value).c_str()), gainDivisor) + "\n");
-    }));
-  }
-  rules.push_back(conf::rule("IrCutFilter=", [&](const char*) {
-    for (const IrRow& r : kIrCut)
-      if (oneOf(s.icr, r.words)) return Out::write(r.line);
-    return Out::keep();
-  }));
-  rules.push_back(conf::rule("Exposure.Mode=", [&](const char*) {
-    block.set(Slot::IMAGE_EXPOSURE_MODE, manualExposure ? 3 : 2);
-    return Out::write(manualExposure ? "Exposure.Mode=MANUAL\n" : "Exposure.Mode=AUTO\n");
-  }));
-  rules.push_back(conf::rule("PreviousAE.Mode=", [&](const char*) {
-    return Out::write("PreviousAE.Mode=" + (manualExposure ? std::string("NONE") : s.exposure.str()) + "\n");
-  }));
-  rules.push_back(conf::rule("Exposure.Gain=", [&](const char*) {
-    if (noExposureControl) return Out::keep();
-    int agc = textNumber(s.agcGain.c_str());
-    if (block.get(Slot::ONVIF_BRAND) == 42 && ioType >= 2 && ioType <= 4)
-      return Out::write("Exposure.Gain=" + oneDecimal(static_cast<float>(agc - 1.0)) + "\n");
-    int max = block.get(Slot::IMAGE_EXPOSURE_GAIN_MAX);
-    if (max == 0) return Out::keep();  // no gain scale: nothing to convert with
-    return Out::write("Exposure.Gain=" + oneDecimal(static_cast<float>(agc) / static_cast<float>(max) * 100.0f) +
-                      "\n");
-  }));
-
-  conf::RewriteJob job;
-  job.routine = kRoutine;
-  job.source = std::string(conf::kLiveDir) + source;
-  job.temp = conf::wsTemp(kRoutine);
-  job.targets = {job.source};
-  job.missing = "[Update_Imapge_Source]ONVIF_VIDEO_SOURCE_1 missing";
-  return conf::rewrite(job, rules).shell;
+  Imaging in;
+  in.device = device;
+  in.ioType = ioType;
+  readImaging(in);
+  bool listed = false;
+  const std::string source = videoSource(listed);
+  if (!listed) return conf::logError("[Update_Imapge_Source]ONVIF_VIDEO_SOURCE missing");
+  const std::string missing = "[Update_Imapge_Source]ONVIF_VIDEO_SOURCE_1 missing";
+  if (source.empty()) return conf::logError(missing);
+  in.noExposureControl = block.get(Slot::IMAGE_EXPOSURE_MODE) == -1;
+  return conf::rewrite(conf::inPlace(kRoutine, conf::kLiveDir + source, missing),
+                       imagingRules(in, block))
+      .shell;
 }
 
 }  // namespace onvif

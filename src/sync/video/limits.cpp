@@ -7,6 +7,7 @@
 
 #include "conf/error_log.h"
 #include "conf/field.h"
+#include "conf/files.h"
 #include "conf/keys.h"
 #include "conf/lines.h"
 #include "conf/rewrite.h"
@@ -121,6 +122,7 @@ int Update_AvailableResolutionTable(shm::ShmBlock& block) {
 }
 
 int Update_FPS_GOV_BITRATE(shm::ShmBlock& block, const EncoderLimits& l) {
+  const std::string routine = "Update_FPS_GOV_BITRATE";
   bool usable = l.fps >= 1;
   for (int n = 0; n < 4; ++n) usable = usable && l.bitrate[n] >= 1 && l.gov[n] >= 1;
   if (!usable) return conf::logError("Update_FPS_GOV_BITRATE can't sync Max FPS/GOV/Bitrate.");
@@ -138,19 +140,20 @@ int Update_FPS_GOV_BITRATE(shm::ShmBlock& block, const EncoderLimits& l) {
   const bool ownLowStreamBitrates = block.get(Slot::ONVIF_BRAND) == 30;
   int shell = 0;
   for (const OptionFile& f : files) {
-    std::vector<conf::Rule> rules = {conf::set("FrameRateRange.Max=", std::to_string(l.fps)),
-                                     conf::set("EncodingIntervalRange.Max=", std::to_string(l.fps))};
-    if (f.stream >= 0) {
-      rules.push_back(conf::set("GovLengthRange.Max=", std::to_string(l.gov[f.stream])));
-      if (!(ownLowStreamBitrates && f.stream >= 2))
-        rules.push_back(conf::set("BitrateRange.Max=", std::to_string(l.bitrate[f.stream])));
-    }
-    conf::RewriteJob job;
-    job.routine = "Update_FPS_GOV_BITRATE";
-    job.source = f.path;
-    job.temp = "/tmp/onvif/tmp/OS_Update_FPS_GOV_BITRATE";
-    job.targets = {f.path};
-    job.missing = "Update_FPS_GOV_BITRATE:%s missing.";
+    // The JPEG file keeps its GOP and bit-rate lines.
+    const bool h264 = f.stream >= 0;
+    const int gov = h264 ? l.gov[f.stream] : 0;
+    const int bitrate = h264 ? l.bitrate[f.stream] : 0;
+    const std::vector<conf::Rule> rules = {
+        conf::set("FrameRateRange.Max=", std::to_string(l.fps)),
+        conf::set("EncodingIntervalRange.Max=", std::to_string(l.fps)),
+        conf::when(h264, conf::set("GovLengthRange.Max=", std::to_string(gov))),
+        conf::when(h264 && !(ownLowStreamBitrates && f.stream >= 2),
+                   conf::set("BitrateRange.Max=", std::to_string(bitrate))),
+    };
+    const conf::RewriteJob job =
+        conf::inPlace(routine, f.path, "Update_FPS_GOV_BITRATE:%s missing.")
+            .through(std::string(conf::kTmpDir) + "OS_" + routine);
     shell = conf::rewrite(job, rules).shell;
   }
   return shell;

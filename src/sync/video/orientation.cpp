@@ -1,11 +1,13 @@
 #include "sync/video/orientation.h"
 
 #include <cstring>
+#include <optional>
 #include <vector>
 
 #include "conf/error_log.h"
+#include "conf/files.h"
 #include "conf/keys.h"
-#include "conf/paths.h"
+#include "conf/lines.h"
 #include "conf/rewrite.h"
 #include "sync/video/encoders.h"
 
@@ -18,7 +20,6 @@ using shm::Slot;
 namespace {
 
 constexpr const char* kVideoSourceConfig = "/tmp/onvif/VideoSource1.VSConf";
-constexpr const char* kImageSourceConf = "/etc/sysconfig/image_source.conf";
 
 // Rotation words, their ONVIF_ROTATE_MODE code and what the video source
 // configuration shows. An unrotated image ("0") is written as RotateMode=ON
@@ -66,29 +67,28 @@ int RotationCode(const char* word) {
 
 int Update_Flip_Vision(shm::ShmBlock& block) {
   Field<32> word;
-  if (conf::scanConf(kImageAppearanceConf, {conf::str("root.Image.I0.Appearance.Rotation=", word)}))
+  if (conf::scanConf(conf::kImageAppearanceConf,
+                     {conf::str("root.Image.I0.Appearance.Rotation=", word)}))
     block.set(Slot::ONVIF_ROTATE_MODE, RotationCode(word.c_str()));
   else
-    conf::logError("[Update_Flip_Vision] %s missing", kImageAppearanceConf);
+    conf::logError("[Update_Flip_Vision] %s missing", conf::kImageAppearanceConf);
 
   // Without the web file the configuration follows the code the slot keeps.
   const RotationRow& row = rotationOf(block.get(Slot::ONVIF_ROTATE_MODE));
-  conf::RewriteJob job;
-  job.routine = "Update_Flip_Vision";
-  job.source = kVideoSourceConfig;
-  job.temp = conf::wsTemp(job.routine);
-  job.targets = {kVideoSourceConfig};
-  job.missing = "Update_Flip_Vision:%s missing";
-  job.tempMode = "w+";
-  return conf::rewrite(job, {conf::fixed("RotateMode=", row.mode),
-                             row.degree ? conf::fixed("RotateDegree=", row.degree) : conf::keepLine("RotateDegree=")})
+  return conf::rewrite(conf::inPlace("Update_Flip_Vision", kVideoSourceConfig,
+                                     "Update_Flip_Vision:%s missing")
+                           .wPlus(),
+                       {conf::fixed("RotateMode=", row.mode),
+                        row.degree ? conf::fixed("RotateDegree=", row.degree)
+                                   : conf::keepLine("RotateDegree=")})
       .shell;
 }
 
 int Update_PTZ_Image_Flip(shm::ShmBlock& block) {
   Field<32> flip;
-  if (!conf::scanConf(kImageSourceConf, {conf::str("root.ImageSource.I0.Sensor.Flip=", flip).first()}))
-    return conf::logError("Update_PTZ_Image_Flip %s missing", kImageSourceConf);
+  if (!conf::scanConf(conf::kImageSourceConf,
+                      {conf::str("root.ImageSource.I0.Sensor.Flip=", flip).first()}))
+    return conf::logError("Update_PTZ_Image_Flip %s missing", conf::kImageSourceConf);
   block.set(Slot::ONVIF_IMAGE_FLIP, flip.is("Image") ? 1 : 0);
   return 0;
 }
@@ -96,11 +96,11 @@ int Update_PTZ_Image_Flip(shm::ShmBlock& block) {
 int Update_H264Profile(shm::ShmBlock& block) {
   Field<16> words[4];
   const std::string p = "root.Image.I0.Appearance.";
-  if (!conf::scanConf(kImageAppearanceConf, {conf::str(p + "H264Profile=", words[0]),
-                                             conf::str(p + "H264_2Profile=", words[1]),
-                                             conf::str(p + "H264_3Profile=", words[2]),
-                                             conf::str(p + "H264_4Profile=", words[3])}))
-    conf::logError("[Update_H264Profile]%s missing", kImageAppearanceConf);
+  if (!conf::scanConf(
+          conf::kImageAppearanceConf,
+          {conf::str(p + "H264Profile=", words[0]), conf::str(p + "H264_2Profile=", words[1]),
+           conf::str(p + "H264_3Profile=", words[2]), conf::str(p + "H264_4Profile=", words[3])}))
+    conf::logError("[Update_H264Profile]%s missing", conf::kImageAppearanceConf);
   return START_SYNC_H264PROFILE(block, words);
 }
 
@@ -109,18 +109,21 @@ int START_SYNC_H264PROFILE(shm::ShmBlock& block, const Field<16> (&words)[4]) {
   int profiled = profiledEncoders(block.get(Slot::ONVIF_MULTIPLE_STREAM));
   int shell = 0;
   bool listed = forEachEncoder(4, false, [&](const std::string& name, int k) {
-    std::vector<conf::Rule> rules;
-    if (k >= 1 && k <= profiled) rules.push_back(conf::set("H264Profile=", MapH264ProfileName(words[k - 1].c_str())));
-    shell = rewriteEncoder(routine, name, "START_SYNC_H264PROFILE:%s missing", rules).shell;
+    std::optional<std::string> profile;
+    if (k >= 1 && k <= profiled) profile = MapH264ProfileName(words[k - 1].c_str());
+    shell = rewriteEncoder(routine, name, "START_SYNC_H264PROFILE:%s missing",
+                           {conf::setOr("H264Profile=", profile)})
+                .shell;
     return true;
   });
-  return listed ? shell : conf::logError("START_SYNC_H264PROFILE:%s missing", kVideoEncoderList);
+  return listed ? shell
+                : conf::logError("START_SYNC_H264PROFILE:%s missing", conf::kVideoEncoderList);
 }
 
 int Update_EncodingPriority(shm::ShmBlock&) {
   const std::string routine = "Update_EncodingPriority";
-  if (!conf::scanConf(kImageAppearanceConf, {}))
-    return conf::logError("[Update_EncodingPriority]%s missing", kImageAppearanceConf);
+  if (!conf::exists(conf::kImageAppearanceConf))
+    return conf::logError("[Update_EncodingPriority]%s missing", conf::kImageAppearanceConf);
   int shell = 0;
   bool listed = forEachEncoder(0, false, [&](const std::string& name, int) {
     Field<16> codec;  // the "Encoding=" value seen so far in this record
@@ -137,7 +140,8 @@ int Update_EncodingPriority(shm::ShmBlock&) {
     shell = r.shell;
     return r.status != conf::Status::SourceMissing;
   });
-  return listed ? shell : conf::logError("[Update_EncodingPriority]%s missing", kVideoEncoderList);
+  return listed ? shell
+                : conf::logError("[Update_EncodingPriority]%s missing", conf::kVideoEncoderList);
 }
 
 }  // namespace onvif
