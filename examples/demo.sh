@@ -23,7 +23,6 @@ cleanup() { "$shmtool" remove >/dev/null 2>&1 || true; rm -rf "$root" "$snap"; }
 trap cleanup EXIT
 
 cp -R "$here/camera/." "$root/"
-mkdir -p "$root/tmp/onvif/tmp"
 
 # Helpers for the step files.
 say() { printf '\n== %s\n' "$*"; }

@@ -11,12 +11,14 @@ web /etc/sysconfig/network.conf root.Network.IPAddress 192.168.2.40
 web /etc/sysconfig/network.conf root.Network.SubnetMask 255.255.254.0
 ctl -u 29
 
-say "New host name and location in the discovery scopes"
+say "New host name and location in the scopes (the persistent copy is made from the live one:" \
+    "it gets -u 29's address too)"
 web /etc/sysconfig/network.conf root.Network.HostName lobby-cam02
 web /etc/sysconfig/location.conf root.Orvane.Location "Lobby East"
 ctl -u 8
 
-say "A viewer account is added on the web side"
+say "A viewer account is added on the web side" \
+    "(its work copy in /tmp/onvif/tmp stays, as all temporary files do)"
 printf 'viewer:View2026\n' >> "$root/etc/appWeb/appweb.pass"
 printf 'viewer:1:0:0:0\n' >> "$root/etc/appWeb/appweb.privacy"
 echo "web: /etc/appWeb: viewer added (mask 1:0:0:0)"

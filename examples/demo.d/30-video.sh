@@ -3,10 +3,12 @@
 # profiles and the encoder's option ranges.
 "$shmtool" set IMAGE_EXPOSURE_GAIN_MAX 100 >/dev/null
 
-say "The sample's streams (JPEG 720p, H.264 1080p, 720p, 640x360) give layout 8"
+say "The sample's streams (JPEG 720p, H.264 1080p, 720p, 640x360) give layout 8" \
+    "(slots only: the files already agree)"
 ctl -u 2
 
-say "The web page turns H.264 stream 3 off and puts the JPEG stream at VGA: layout 6"
+say "The web page turns H.264 stream 3 off and puts the JPEG stream at VGA: layout 6;" \
+    "Profile4 is left without a video encoder (NONE)"
 web /etc/sysconfig/image_appearance.conf root.Image.I0.Appearance.Resolution vga,1080p,720p,disable,disable
 web /etc/sysconfig/image_appearance.conf root.Image.I0.Appearance.MjpegQfactor 50
 ctl -u 2
@@ -28,7 +30,8 @@ say "The image is turned clockwise"
 web /etc/sysconfig/image_appearance.conf root.Image.I0.Appearance.Rotation clockwise
 ctl -u 7
 
-say "The encoder's option ranges: available resolutions by channel count and the ceilings"
+say "The encoder's option ranges by channel count; \"[Main] A5S sdk310 ...\" is the" \
+    "firmware's own progress line, not an error"
 web /tmp/options.conf root.Framerate.H264 1-25
 ctl -u 13
 

@@ -1,7 +1,8 @@
 # Audio, multicast, PTZ presets and preset tours.
 "$shmtool" set ONVIF_MULTIPLE_STREAM 8 >/dev/null  # the sample's layout: H.264 streams 1 to 3 and JPEG
 
-say "The web page switches audio to G.726 at 32 kbit/s: encoder, profiles, use counts and back channel follow"
+say "Audio to G.726 at 32 kbit/s: encoder, profiles, use counts and back channel follow;" \
+    "Profile4's NONE encoder is logged as a missing file"
 web /etc/sysconfig/audio_source.conf root.AudioSource.A0.BitRate 32000
 ctl -u 4
 

@@ -12,7 +12,8 @@ say "The web page turns the date off: its record leaves the list, then the folde
 web /etc/sysconfig/image_text.conf root.Image.I0.Text.DateEnabled no
 ctl -u 16
 
-say "Profile G recording of the first stream: start, stop, and the streaming server's bytes"
+say "Profile G recording of the first stream: start, stop, and the streaming server's bytes" \
+    "(no slot or file changes)"
 # The key-3745 segment is one for the whole host: hold the lock the tests take
 # for it, so that a test run beside the demo does not remove it mid-step.
 exec 9>/tmp/onvifctrl-fixed-keys.lock
@@ -30,7 +31,8 @@ say "Recording summary and the recording database"
 ctl -r 3
 ctl -r 4
 
-say "Auxiliary segments: video analytics missing, then the wearable hub's first entry"
+say "Auxiliary segments: video analytics missing (the dump says so and goes on)," \
+    "then the wearable hub's first entry"
 ctl -s 6
 "$shmtool" seg-create wearable
 "$shmtool" seg-set wearable 0 1
@@ -39,7 +41,8 @@ ctl -s 6
 ctl -s 12
 "$shmtool" seg-remove wearable
 
-say "Codec self-tests: PackBits decode and encode, hexadecimal to binary"
+say "Codec self-tests: PackBits decode (\"length[7]\" is the firmware's own label)," \
+    "encode, hexadecimal to binary"
 ctl -u 99
 ctl -u 100
 ctl -u 101

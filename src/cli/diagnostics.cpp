@@ -13,6 +13,9 @@ namespace cli {
 
 using shm::Slot;
 
+// The build time is the compiler's clock when this file was compiled; GCC
+// takes it from SOURCE_DATE_EPOCH when that is set, which is what makes two
+// builds of the same source give the same binary.
 void printVersion() {
   std::printf("ONVIF_Versions=%s %s\n", "2018", "0208_01");
   std::printf("ONVIFCTRL_BuildTime=%s %s\n", __DATE__, __TIME__);

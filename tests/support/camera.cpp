@@ -59,6 +59,13 @@ void writeTraceWrapper(const std::string& dir, const char* name) {
   must(chmod(path.c_str(), 0755) == 0, "chmod " + path);
 }
 
+// A binary under test: the one built here, or the one the environment names
+// (a cross-built onvifCtrl behind an emulator wrapper, an installed binary).
+std::string binaryUnderTest(const char* variable, const char* built) {
+  const char* named = std::getenv(variable);
+  return named != nullptr && *named != '\0' ? named : built;
+}
+
 std::string replaceAll(std::string s, const std::string& from, const std::string& to) {
   for (std::size_t at = s.find(from); at != std::string::npos; at = s.find(from, at + to.size()))
     s.replace(at, from.size(), to);
@@ -187,8 +194,12 @@ RunResult Camera::exec(const std::string& binary, const std::vector<std::string>
   return r;
 }
 
-RunResult Camera::run(const std::vector<std::string>& args) const { return exec(ONVIFCTRL_BIN, args); }
-RunResult Camera::runShm(const std::vector<std::string>& args) const { return exec(ONVIF_SHM_BIN, args); }
+RunResult Camera::run(const std::vector<std::string>& args) const {
+  return exec(binaryUnderTest("ONVIFCTRL_TEST_BIN", ONVIFCTRL_BIN), args);
+}
+RunResult Camera::runShm(const std::vector<std::string>& args) const {
+  return exec(binaryUnderTest("ONVIF_SHM_TEST_BIN", ONVIF_SHM_BIN), args);
+}
 
 std::string Camera::host(const std::string& cameraPath) const { return root_ + cameraPath; }
 std::string Camera::read(const std::string& cameraPath) const { return slurp(host(cameraPath)); }

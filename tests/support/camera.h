@@ -43,7 +43,8 @@ class Camera {
   void setSlot(shm::Slot s, int value);
   void setSlot(int index, int value);
 
-  // Runs onvifCtrl (or onvif-shm) with the arguments under this root.
+  // Runs onvifCtrl (or onvif-shm) with the arguments under this root: the
+  // built binary, or the one ONVIFCTRL_TEST_BIN (ONVIF_SHM_TEST_BIN) names.
   RunResult run(const std::vector<std::string>& args) const;
   RunResult runShm(const std::vector<std::string>& args) const;
 
