@@ -26,7 +26,8 @@ void checkZone(const std::string& web) {
   std::string onvif = onvif::onvifTimeZone(web.c_str());
   char sign = 0;
   int hours = -1, minutes = -1, seconds = -1, used = 0;
-  FUZZ_CHECK(std::sscanf(onvif.c_str(), "GMT%c%d:%d:%d%n", &sign, &hours, &minutes, &seconds, &used) == 4);
+  int n = std::sscanf(onvif.c_str(), "GMT%c%d:%d:%d%n", &sign, &hours, &minutes, &seconds, &used);
+  FUZZ_CHECK(n == 4);
   FUZZ_CHECK(static_cast<std::size_t>(used) == onvif.size() && (sign == '+' || sign == '-'));
   FUZZ_CHECK(hours >= 0 && hours <= 14 && seconds == 0);
   FUZZ_CHECK(minutes == 0 || minutes == 30 || minutes == 45);

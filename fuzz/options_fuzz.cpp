@@ -57,7 +57,8 @@ struct Outcome {
   bool ok;
   cli::Requests req;
   bool operator==(const Outcome& o) const {
-    return ok == o.ok && req.serverState == o.req.serverState && req.onvifCtrl == o.req.onvifCtrl &&
+    return ok == o.ok && req.serverState == o.req.serverState &&
+           req.onvifCtrl == o.req.onvifCtrl &&
            req.unused == o.req.unused && req.checkPassword == o.req.checkPassword &&
            req.debug == o.req.debug && req.info == o.req.info;
   }

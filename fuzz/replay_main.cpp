@@ -35,7 +35,8 @@ int main(int argc, char** argv) {
   for (int i = 1; i < argc; ++i) {
     for (const std::string& file : filesIn(argv[i])) {
       std::ifstream in(file, std::ios::binary);
-      std::vector<char> bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+      std::istreambuf_iterator<char> begin(in), end;
+      std::vector<char> bytes(begin, end);
       std::fprintf(stderr, "replay %s\n", file.c_str());
       LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
       ++count;

@@ -102,7 +102,8 @@ conf::Result runEngine(const std::vector<FuzzRule>& rules,
       }
     }));
   }
-  return conf::rewrite(conf::inPlace("FuzzRewrite", kSource, "[FuzzRewrite] %s missing"), engineRules);
+  conf::RewriteJob job = conf::inPlace("FuzzRewrite", kSource, "[FuzzRewrite] %s missing");
+  return conf::rewrite(job, engineRules);
 }
 
 // Splits the input: a flags byte (rule count, missing source), then per rule an

@@ -48,7 +48,8 @@ struct Value {
 #pragma GCC diagnostic ignored "-Wformat-security"
 // sscanf with one argument of the right type per value.
 template <std::size_t Depth = 0, class... Args>
-int referenceScan(const char* line, const char* pattern, std::vector<Value>& values, Args... args) {
+int referenceScan(const char* line, const char* pattern, std::vector<Value>& values,
+                  Args... args) {
   if constexpr (Depth == kMaxValues) {
     return std::sscanf(line, pattern, args...);
   } else {
@@ -72,7 +73,8 @@ int productScan(const char* line, const char* pattern, std::vector<Value>& v) {
     case 2: return conf::scanLine(line, pattern, {sinkOf(v[0]), sinkOf(v[1])});
     case 3: return conf::scanLine(line, pattern, {sinkOf(v[0]), sinkOf(v[1]), sinkOf(v[2])});
     default:
-      return conf::scanLine(line, pattern, {sinkOf(v[0]), sinkOf(v[1]), sinkOf(v[2]), sinkOf(v[3])});
+      return conf::scanLine(line, pattern,
+                            {sinkOf(v[0]), sinkOf(v[1]), sinkOf(v[2]), sinkOf(v[3])});
   }
 }
 
