@@ -8,6 +8,7 @@
 #include "conf/files.h"
 #include "conf/keys.h"
 #include "conf/lines.h"
+#include "conf/paths.h"
 #include "conf/rewrite.h"
 #include "conf/scan.h"
 #include "conf/shell.h"
@@ -66,13 +67,19 @@ int logListMissing(const char* routine, const RecordList& l) {
 }
 
 // Calls `each` once for every line of a list file with the record name held:
-// the name of the last record line seen so far, empty before the first.
-bool walkList(const std::string& listPath, const RecordList& l,
+// the name of the last record line seen so far, empty before the first. A
+// record line whose name is refused (not a plain file name) runs nothing and
+// leaves the name held as it was.
+bool walkList(const char* routine, const std::string& listPath, const RecordList& l,
               const std::function<void(const std::string&)>& each) {
-  Field<64> name;
+  Field<64> held;
   return conf::forEachLine(listPath, [&](const char* line) {
-    if (conf::holds(line, l.marker)) conf::scan(line, l.pattern, name);
-    each(name.str());
+    Field<64> name;
+    if (conf::holds(line, l.marker) && conf::scan(line, l.pattern, name) == 1) {
+      if (!conf::plainName(routine, name.str())) return true;
+      held = name;
+    }
+    each(held.str());
     return true;
   });
 }
@@ -119,16 +126,16 @@ int Soft_Default_All_Conf(shm::ShmBlock& block) {
   stampScopes(routine);
   restore("onvif.conf");
 
-  if (!walkList(inDir(kProfiles.list), kProfiles,
+  if (!walkList(routine, inDir(kProfiles.list), kProfiles,
                 [](const std::string& name) { conf::shellRemove(inDir(name)); }))
     logListMissing(routine, kProfiles);
-  if (!walkList(inDir(kProfiles.list) + ".default", kProfiles,
+  if (!walkList(routine, inDir(kProfiles.list) + ".default", kProfiles,
                 [](const std::string& name) { copyDefault(name); }))
     logListMissing(routine, kProfiles);
   restore(kProfiles.list);
 
   for (const RecordList& l : kRecordLists) {
-    if (!walkList(inDir(l.list), l, [](const std::string& name) {
+    if (!walkList(routine, inDir(l.list), l, [](const std::string& name) {
           conf::shellRemove(inDir(name));
           copyDefault(name);
         }))
@@ -143,11 +150,11 @@ int Hard_Default_All_Conf(shm::ShmBlock& block) {
   for (const char* name : {"onvif.conf", "Profiles.conf", "Users.conf", "Subscription.conf"}) restore(name);
   for (const char* pattern : kRecordWildcards) conf::shellRemoveGlob(kDir, pattern);
 
-  if (!walkList(inDir(kProfiles.list), kProfiles,
+  if (!walkList(routine, inDir(kProfiles.list), kProfiles,
                 [](const std::string& name) { copyDefault(name); }))
     logListMissing(routine, kProfiles);
   for (const RecordList& l : kRecordLists)
-    if (!walkList(inDir(l.list), l, [](const std::string& name) { copyDefault(name); }))
+    if (!walkList(routine, inDir(l.list), l, [](const std::string& name) { copyDefault(name); }))
       logListMissing(routine, l);
   return restoreFixedFiles(block, false);
 }

@@ -27,12 +27,13 @@ bool forEachLine(const std::string& cameraPath, const std::function<bool(const c
   return true;
 }
 
-bool forEachName(const std::string& listPath, const char* marker, const char* pattern,
-                 const std::function<bool(const std::string&)>& fn) {
+bool forEachName(const std::string& routine, const std::string& listPath, const char* marker,
+                 const char* pattern, const std::function<bool(const std::string&)>& fn) {
   return forEachLine(listPath, [&](const char* line) {
     if (!holds(line, marker)) return true;
     Field<64> name;
     if (scan(line, pattern, name) != 1) return true;
+    if (!plainName(routine, name.str())) return true;
     return fn(name.str());
   });
 }
