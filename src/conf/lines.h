@@ -38,7 +38,10 @@ bool forEachLine(const std::string& cameraPath, const std::function<bool(const c
 bool forEachName(const std::string& routine, const std::string& listPath, const char* marker,
                  const char* pattern, const std::function<bool(const std::string&)>& fn);
 
-// Opens a camera path with fopen's mode.
+// Opens a camera path with fopen's mode. A file of the temporary folder that
+// is opened for writing never follows a link: a link standing at its name is
+// removed first, the file is created with fopen's mode bits, and anything
+// but a regular file is not opened.
 std::FILE* openCamera(const std::string& cameraPath, const char* mode);
 
 // True when the file at a camera path can be opened for reading.

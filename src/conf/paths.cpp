@@ -25,6 +25,8 @@ std::string hostPath(const std::string& cameraPath) {
 
 std::string wsTemp(const std::string& routine) { return std::string(kTmpDir) + "WS_" + routine; }
 
+bool inTempFolder(const std::string& cameraPath) { return cameraPath.rfind(kTmpDir, 0) == 0; }
+
 bool plainName(const std::string& routine, const std::string& name) {
   if (!name.empty() && name != "." && name != ".." && name.find('/') == std::string::npos)
     return true;

@@ -26,6 +26,10 @@ std::string cameraRoot();
 // "/tmp/onvif/tmp/WS_" followed by the routine's name.
 std::string wsTemp(const std::string& routine);
 
+// True when a camera path lies in the tool's temporary folder
+// ("/tmp/onvif/tmp/"), where a link is never written through.
+bool inTempFolder(const std::string& cameraPath);
+
 // True when `name` is a plain file name: not empty, no "/", not "." or "..".
 // Any other name is refused: "<routine>:<name> refused" goes to the error log.
 bool plainName(const std::string& routine, const std::string& name);

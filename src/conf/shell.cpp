@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "conf/paths.h"
+#include "conf/write_file.h"
 
 namespace conf {
 
@@ -40,6 +41,7 @@ int runShell(const std::string& command) {
 }
 
 int shellCopy(const std::string& from, const std::string& to) {
+  removeTempLink(to);
   return runShell("cp " + shellWord(hostPath(from)) + " " + shellWord(hostPath(to)));
 }
 

@@ -23,7 +23,8 @@ std::string quotedText(const std::string& s);
 // so that what the tool printed stays in order). Returns system()'s status.
 int runShell(const std::string& command);
 
-// "cp %s %s" of two camera paths.
+// "cp %s %s" of two camera paths. A link standing at a destination in the
+// temporary folder is removed first.
 int shellCopy(const std::string& from, const std::string& to);
 // "rm %s" of a camera path.
 int shellRemove(const std::string& path);

@@ -31,6 +31,13 @@ bool cutBack(const std::string& cameraPath, off_t size) {
 
 }  // namespace
 
+void removeTempLink(const std::string& cameraPath) {
+  if (!inTempFolder(cameraPath)) return;
+  std::string path = hostPath(cameraPath);
+  struct stat st {};
+  if (lstat(path.c_str(), &st) == 0 && S_ISLNK(st.st_mode)) unlink(path.c_str());
+}
+
 AppendStatus appendText(const std::string& cameraPath, const std::string& text) {
   std::FILE* f = openCamera(cameraPath, "a");
   if (f == nullptr) return AppendStatus::OpenFailed;

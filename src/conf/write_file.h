@@ -22,4 +22,8 @@ enum class AppendStatus { Done, OpenFailed, WriteFailed };
 // Appends `text` to the file at a camera path (created when missing).
 AppendStatus appendText(const std::string& cameraPath, const std::string& text);
 
+// Removes a link that stands at a camera path in the temporary folder, so
+// that what is made there next is a file of its own (nothing elsewhere).
+void removeTempLink(const std::string& cameraPath);
+
 }  // namespace conf
