@@ -97,7 +97,7 @@ int listAllNameFields(shm::ShmBlock& block) {
     conf::AppendStatus s = conf::appendText(kRecordings, added);
     if (s == conf::AppendStatus::OpenFailed) shell = conf::logError("Update_Recording:%s missing", kRecordings);
     if (s == conf::AppendStatus::WriteFailed)
-      shell = conf::logError(std::string("Update_Recording:") + kRecordings + " write failed");
+      shell = conf::logWriteFailed("Update_Recording", kRecordings);
   }
   block.set(Slot::RECORDING_NAME_FORMAT, 1);
   return shell;

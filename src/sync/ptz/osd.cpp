@@ -214,7 +214,7 @@ int Update_OSD(shm::ShmBlock&) {
       continue;
     }
     std::string token = had ? old : "OSDtoken" + std::to_string(p + 1);
-    if (!had) shell = conf::shellCopy(kOsdTemplate, kOsdDir + token + ".osdconf");
+    if (!had) shell = conf::shellCopy(kRoutine, kOsdTemplate, kOsdDir + token + ".osdconf");
     conf::Result r = updateRecord(token, elems[p], s);
     shell = r.shell;
     if (r.done() || had) {
