@@ -3,6 +3,7 @@
 #include "conf/files.h"
 #include "conf/paths.h"
 #include "conf/shell.h"
+#include "conf/write_file.h"
 
 namespace conf {
 
@@ -13,6 +14,7 @@ long writeFailures = 0;
 }  // namespace
 
 int logError(const std::string& text) {
+  endLastLine(kErrorLog);
   return runShell("/bin/echo \"" + quotedText(text) + "\" >> " + shellWord(hostPath(kErrorLog)));
 }
 

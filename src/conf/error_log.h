@@ -1,6 +1,7 @@
 // The error log "/tmp/onvif_error": one line per entry, appended only through
 // the shell as "/bin/echo \"...\" >> /tmp/onvif_error". Entries carry no time
-// stamp and the log is never truncated here.
+// stamp and the log is never truncated here. A log whose last line lacks its
+// newline gets one first, so an entry never glues onto it.
 #pragma once
 
 #include <string>

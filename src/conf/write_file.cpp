@@ -59,6 +59,19 @@ void keepMode(int fd, const std::string& path) {
   }
 }
 
+// True when a regular, non-empty file's last byte is not a newline.
+bool lacksFinalNewline(const std::string& hostFile) {
+  int fd = open(hostFile.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  if (fd < 0) return false;
+  struct stat st {};
+  char last = '\n';
+  if (fstat(fd, &st) == 0 && S_ISREG(st.st_mode) && st.st_size > 0 &&
+      pread(fd, &last, 1, st.st_size - 1) != 1)
+    last = '\n';
+  close(fd);
+  return last != '\n';
+}
+
 // Cuts a file back to `size`. A file that is not a regular one (a device)
 // cannot be cut and stays as the failed write left it.
 bool cutBack(int fd, off_t size) { return ftruncate(fd, size) == 0; }
@@ -101,12 +114,23 @@ bool writeFile(const std::string& routine, const std::string& cameraPath,
   return ok;
 }
 
+void endLastLine(const std::string& cameraPath) {
+  const std::string path = hostPath(cameraPath);
+  if (!lacksFinalNewline(path)) return;
+  int fd = open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC | O_NONBLOCK);
+  if (fd < 0) return;
+  if (write(fd, "\n", 1) != 1) {
+  }
+  close(fd);
+}
+
 AppendStatus appendText(const std::string& cameraPath, const std::string& text) {
   std::FILE* f = openCamera(cameraPath, "a");
   if (f == nullptr) return AppendStatus::OpenFailed;
   struct stat st {};
   off_t before = fstat(fileno(f), &st) == 0 ? st.st_size : 0;
-  bool ok = std::fwrite(text.data(), 1, text.size(), f) == text.size();
+  const std::string whole = lacksFinalNewline(hostPath(cameraPath)) ? "\n" + text : text;
+  bool ok = std::fwrite(whole.data(), 1, whole.size(), f) == whole.size();
   if (std::fflush(f) != 0 || std::ferror(f)) ok = false;
   if (!ok) cutBack(fileno(f), before);
   if (std::fclose(f) != 0 && ok) {

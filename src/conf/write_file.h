@@ -18,13 +18,17 @@ bool writeFile(const std::string& routine, const std::string& cameraPath,
                const std::string& text);
 
 // Appending in place (an account to the working copy of the account list,
-// missing lines to the recordings list): the text goes in whole or not at all.
-// When a write, flush or close fails, the file is cut back to the size it had,
-// so a later copy never spreads a half-written line.
+// missing lines to the recordings list, the DebugLog): the text goes in whole
+// or not at all. When a write, flush or close fails, the file is cut back to
+// the size it had, so a later copy never spreads a half-written line. A file
+// whose last line lacks its newline gets one before the text.
 enum class AppendStatus { Done, OpenFailed, WriteFailed };
 
 // Appends `text` to the file at a camera path (created when missing).
 AppendStatus appendText(const std::string& cameraPath, const std::string& text);
+
+// Ends the last line of a non-empty regular file that lacks its newline.
+void endLastLine(const std::string& cameraPath);
 
 // True when a copy of `from` over `to` can be written whole: `from` is
 // missing (the copy itself reports that), or its size is within this
