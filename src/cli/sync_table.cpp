@@ -8,6 +8,7 @@
 
 #include "conf/error_log.h"
 #include "conf/files.h"
+#include "conf/lock.h"
 #include "conf/write_file.h"
 #include "recording/selftest.h"
 #include "sync/audio/audio.h"
@@ -181,6 +182,7 @@ void protectWait(shm::ShmBlock& block, Slot flag) {
 }
 
 void writeDebugLog(const char* label, shm::ShmBlock& block) {
+  conf::holdWriteLock();
   if (block.get(Slot::ONVIF_DEBUG_LOG_USE) == 1) protectWait(block, Slot::ONVIF_DEBUG_LOG_USE);
   block.set(Slot::ONVIF_DEBUG_LOG_USE, 1);
   std::time_t now = std::time(nullptr);
@@ -211,6 +213,7 @@ int dispatch(int number, shm::ShmBlock& block) {
   int result = 0;
   switch (cmd->frame) {
     case Frame::Standard:
+      conf::holdWriteLock();
       protectWait(block, Slot::WEB_SYNC_PROTECT);
       block.set(Slot::WEB_SYNC_PROTECT, 1);
       block.set(Slot::ONVIF_CTRL, number);
