@@ -54,9 +54,8 @@ bool writeAll(int fd, const std::string& text) {
 void keepMode(int fd, const std::string& path) {
   struct stat st {};
   if (lstat(path.c_str(), &st) != 0 || !S_ISREG(st.st_mode)) return;
-  fchmod(fd, st.st_mode & 07777);
-  if (fchown(fd, st.st_uid, st.st_gid) != 0) {
-  }
+  if (fchmod(fd, st.st_mode & 07777) != 0) return;
+  if (fchown(fd, st.st_uid, st.st_gid) != 0) return;  // another owner takes root
 }
 
 // True when a regular, non-empty file's last byte is not a newline.
@@ -114,14 +113,14 @@ bool writeFile(const std::string& routine, const std::string& cameraPath,
   return ok;
 }
 
-void endLastLine(const std::string& cameraPath) {
+bool endLastLine(const std::string& cameraPath) {
   const std::string path = hostPath(cameraPath);
-  if (!lacksFinalNewline(path)) return;
+  if (!lacksFinalNewline(path)) return true;
   int fd = open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC | O_NONBLOCK);
-  if (fd < 0) return;
-  if (write(fd, "\n", 1) != 1) {
-  }
+  if (fd < 0) return false;
+  bool ended = write(fd, "\n", 1) == 1;
   close(fd);
+  return ended;
 }
 
 AppendStatus appendText(const std::string& cameraPath, const std::string& text) {

@@ -28,7 +28,8 @@ enum class AppendStatus { Done, OpenFailed, WriteFailed };
 AppendStatus appendText(const std::string& cameraPath, const std::string& text);
 
 // Ends the last line of a non-empty regular file that lacks its newline.
-void endLastLine(const std::string& cameraPath);
+// False when that newline could not be written.
+bool endLastLine(const std::string& cameraPath);
 
 // True when a copy of `from` over `to` can be written whole: `from` is
 // missing (the copy itself reports that), or its size is within this
