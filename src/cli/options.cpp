@@ -7,6 +7,7 @@
 #include "cli/diagnostics.h"
 #include "cli/sync_table.h"
 #include "conf/defaults.h"
+#include "conf/lock.h"
 #include "sync/ptz/presets.h"
 
 namespace cli {
@@ -57,6 +58,7 @@ void act(int option, int v, shm::ShmBlock* block, Requests& req) {
       break;
     case 's':
       req.serverState = v;
+      if (block != nullptr && (v == 3 || v == 4)) conf::holdWriteLock();
       if (block != nullptr && v == 3) onvif::Soft_Default_All_Conf(*block);
       if (block != nullptr && v == 4) onvif::Hard_Default_All_Conf(*block);
       break;
@@ -70,10 +72,13 @@ void act(int option, int v, shm::ShmBlock* block, Requests& req) {
       recordingControl(v);
       break;
     case 'p':
-      if (block != nullptr) onvif::Update_SetPreset(*block, v);
-      break;
     case 'q':
-      if (block != nullptr) onvif::Update_DeletePreset(*block, v);
+      if (block == nullptr) break;
+      conf::holdWriteLock();
+      if (option == 'p')
+        onvif::Update_SetPreset(*block, v);
+      else
+        onvif::Update_DeletePreset(*block, v);
       break;
     case 'i':
       printVersion();

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "cli/dumps.h"
+#include "conf/lock.h"
 #include "shm/slots.h"
 #include "sync/network/auth.h"
 
@@ -13,6 +14,7 @@ using shm::Slot;
 namespace {
 
 void passwordRequest(int request, shm::ShmBlock& block) {
+  if (request >= 0 && request <= 2) conf::holdWriteLock();
   switch (request) {
     case 0:
       std::printf("Onvif don't check Password!\n");

@@ -4,9 +4,12 @@
 
 #include <cstdio>
 #include <ctime>
+#include <string>
 
+#include "conf/error_log.h"
 #include "conf/files.h"
-#include "conf/lines.h"
+#include "conf/lock.h"
+#include "conf/write_file.h"
 #include "recording/selftest.h"
 #include "sync/audio/audio.h"
 #include "sync/audio/multicast.h"
@@ -153,6 +156,7 @@ const SyncCommand kCommands[] = {
     {101, Frame::None, nullptr, hexToBinary},
 };
 
+constexpr const char* kDebugLogWriter = "WriteDebugLog";  // names it in error-log lines
 constexpr useconds_t kWaitStep = 100000;  // 100 ms
 constexpr int kWaitSteps = 300;           // 30 s
 
@@ -178,17 +182,20 @@ void protectWait(shm::ShmBlock& block, Slot flag) {
 }
 
 void writeDebugLog(const char* label, shm::ShmBlock& block) {
+  conf::holdWriteLock();
   if (block.get(Slot::ONVIF_DEBUG_LOG_USE) == 1) protectWait(block, Slot::ONVIF_DEBUG_LOG_USE);
   block.set(Slot::ONVIF_DEBUG_LOG_USE, 1);
   std::time_t now = std::time(nullptr);
   struct tm utc {};
   gmtime_r(&now, &utc);
-  std::FILE* f = conf::openCamera(conf::kDebugLog, "a");
-  if (f == nullptr) f = conf::openCamera(conf::kDebugLog, "w");
-  if (f != nullptr) {
-    std::fprintf(f, "%02d:%02d:%02d %s\n", utc.tm_hour, utc.tm_min, utc.tm_sec, label);
-    std::fclose(f);
-  }
+  char stamp[40];
+  std::snprintf(stamp, sizeof stamp, "%02d:%02d:%02d ", utc.tm_hour, utc.tm_min, utc.tm_sec);
+  const std::string line = stamp + std::string(label) + "\n";
+  conf::AppendStatus s = conf::appendText(conf::kDebugLog, line);
+  if (s == conf::AppendStatus::OpenFailed)
+    conf::writeFile(kDebugLogWriter, conf::kDebugLog, line);  // a new log
+  else if (s == conf::AppendStatus::WriteFailed)
+    conf::logWriteFailed(kDebugLogWriter, conf::kDebugLog);
   block.set(Slot::ONVIF_DEBUG_LOG_USE, 0);
 }
 
@@ -206,6 +213,7 @@ int dispatch(int number, shm::ShmBlock& block) {
   int result = 0;
   switch (cmd->frame) {
     case Frame::Standard:
+      conf::holdWriteLock();
       protectWait(block, Slot::WEB_SYNC_PROTECT);
       block.set(Slot::WEB_SYNC_PROTECT, 1);
       block.set(Slot::ONVIF_CTRL, number);

@@ -8,9 +8,11 @@
 #include "conf/files.h"
 #include "conf/keys.h"
 #include "conf/lines.h"
+#include "conf/paths.h"
 #include "conf/rewrite.h"
 #include "conf/scan.h"
 #include "conf/shell.h"
+#include "conf/write_file.h"
 
 namespace onvif {
 
@@ -51,14 +53,17 @@ const char* const kRemovedAndRestored[] = {"H264.VEOption",   "H264_2.VEOption",
 std::string inDir(const std::string& name) { return std::string(kDir) + name; }
 
 // "cp <dir>X.default <dir>X".
-int copyDefault(const std::string& name) {
-  return conf::shellCopy(inDir(name) + ".default", inDir(name));
+int copyDefault(const char* routine, const std::string& name) {
+  return conf::shellCopy(routine, inDir(name) + ".default", inDir(name));
 }
 
-// "rm <dir>X" then "cp <dir>X.default <dir>X".
-int restore(const std::string& name) {
+// "rm <dir>X" then "cp <dir>X.default <dir>X". When the copy could not be
+// written whole, neither is run and X stays as it is.
+int restore(const char* routine, const std::string& name) {
+  if (!conf::roomForCopy(inDir(name) + ".default", inDir(name)))
+    return conf::logWriteFailed(routine, inDir(name));
   conf::shellRemove(inDir(name));
-  return copyDefault(name);
+  return copyDefault(routine, name);
 }
 
 int logListMissing(const char* routine, const RecordList& l) {
@@ -66,19 +71,26 @@ int logListMissing(const char* routine, const RecordList& l) {
 }
 
 // Calls `each` once for every line of a list file with the record name held:
-// the name of the last record line seen so far, empty before the first.
-bool walkList(const std::string& listPath, const RecordList& l,
+// the name of the last record line seen so far, empty before the first. A
+// record line whose name is refused (not a plain file name) runs nothing and
+// leaves the name held as it was.
+bool walkList(const char* routine, const std::string& listPath, const RecordList& l,
               const std::function<void(const std::string&)>& each) {
-  Field<64> name;
+  Field<64> held;
   return conf::forEachLine(listPath, [&](const char* line) {
-    if (conf::holds(line, l.marker)) conf::scan(line, l.pattern, name);
-    each(name.str());
+    Field<64> name;
+    if (conf::holds(line, l.marker) && conf::scan(line, l.pattern, name) == 1) {
+      if (!conf::plainName(routine, name.str())) return true;
+      held = name;
+    }
+    each(held.str());
     return true;
   });
 }
 
 // Stamps the brand word into the name scope of onvif.conf.default and marks
-// the initial synchronisation as done.
+// the initial synchronisation as done. When the stamped copy cannot be
+// written whole, onvif.conf is not restored from the default either.
 void stampScopes(const char* routine) {
   Field<64> brand;
   if (!conf::scanConf(kBrandConf, {conf::str("root.Brand.Brand=", brand).first()})) {
@@ -97,18 +109,19 @@ void stampScopes(const char* routine) {
 
 // The fixed files both resets restore, in their order. The soft reset also
 // restores Users.conf right after the audio decoder.
-int restoreFixedFiles(shm::ShmBlock& block, bool withUsers) {
+int restoreFixedFiles(const char* routine, shm::ShmBlock& block, bool withUsers) {
   int shell = 0;
-  for (const char* name : kRemovedAndRestored) restore(name);
-  if (withUsers) restore("Users.conf");
-  copyDefault("PresetTourCreate.conf");
-  for (int k = 1; k <= 8; ++k) copyDefault("presettour" + std::to_string(k) + ".conf");
+  for (const char* name : kRemovedAndRestored) restore(routine, name);
+  if (withUsers) restore(routine, "Users.conf");
+  copyDefault(routine, "PresetTourCreate.conf");
+  for (int k = 1; k <= 8; ++k) copyDefault(routine, "presettour" + std::to_string(k) + ".conf");
   int brand = block.get(shm::Slot::ONVIF_BRAND);
-  if (brand == 42) copyDefault("PTZ_Move.PTZConf");
-  copyDefault("OSDs.conf");
-  copyDefault("OSD.osdconf");
-  if (brand == 16 || brand == 62) copyDefault("Preset.conf");
-  for (int k = 1; k <= 4; ++k) shell = copyDefault("VideoAnalytics" + std::to_string(k) + ".VAnalytic");
+  if (brand == 42) copyDefault(routine, "PTZ_Move.PTZConf");
+  copyDefault(routine, "OSDs.conf");
+  copyDefault(routine, "OSD.osdconf");
+  if (brand == 16 || brand == 62) copyDefault(routine, "Preset.conf");
+  for (int k = 1; k <= 4; ++k)
+    shell = copyDefault(routine, "VideoAnalytics" + std::to_string(k) + ".VAnalytic");
   return shell;
 }
 
@@ -116,40 +129,43 @@ int restoreFixedFiles(shm::ShmBlock& block, bool withUsers) {
 
 int Soft_Default_All_Conf(shm::ShmBlock& block) {
   const char* routine = "Soft_Default_All_Conf";
+  conf::Chain stamped;
   stampScopes(routine);
-  restore("onvif.conf");
+  if (stamped.intact()) restore(routine, "onvif.conf");
 
-  if (!walkList(inDir(kProfiles.list), kProfiles,
+  if (!walkList(routine, inDir(kProfiles.list), kProfiles,
                 [](const std::string& name) { conf::shellRemove(inDir(name)); }))
     logListMissing(routine, kProfiles);
-  if (!walkList(inDir(kProfiles.list) + ".default", kProfiles,
-                [](const std::string& name) { copyDefault(name); }))
+  if (!walkList(routine, inDir(kProfiles.list) + ".default", kProfiles,
+                [&](const std::string& name) { copyDefault(routine, name); }))
     logListMissing(routine, kProfiles);
-  restore(kProfiles.list);
+  restore(routine, kProfiles.list);
 
   for (const RecordList& l : kRecordLists) {
-    if (!walkList(inDir(l.list), l, [](const std::string& name) {
+    if (!walkList(routine, inDir(l.list), l, [&](const std::string& name) {
           conf::shellRemove(inDir(name));
-          copyDefault(name);
+          copyDefault(routine, name);
         }))
       logListMissing(routine, l);
   }
-  return restoreFixedFiles(block, true);
+  return restoreFixedFiles(routine, block, true);
 }
 
 int Hard_Default_All_Conf(shm::ShmBlock& block) {
   const char* routine = "Hard_Default_All_Conf";
+  conf::Chain stamped;
   stampScopes(routine);
-  for (const char* name : {"onvif.conf", "Profiles.conf", "Users.conf", "Subscription.conf"}) restore(name);
+  if (stamped.intact()) restore(routine, "onvif.conf");
+  for (const char* name : {"Profiles.conf", "Users.conf", "Subscription.conf"})
+    restore(routine, name);
   for (const char* pattern : kRecordWildcards) conf::shellRemoveGlob(kDir, pattern);
 
-  if (!walkList(inDir(kProfiles.list), kProfiles,
-                [](const std::string& name) { copyDefault(name); }))
+  auto copy = [&](const std::string& name) { copyDefault(routine, name); };
+  if (!walkList(routine, inDir(kProfiles.list), kProfiles, copy))
     logListMissing(routine, kProfiles);
   for (const RecordList& l : kRecordLists)
-    if (!walkList(inDir(l.list), l, [](const std::string& name) { copyDefault(name); }))
-      logListMissing(routine, l);
-  return restoreFixedFiles(block, false);
+    if (!walkList(routine, inDir(l.list), l, copy)) logListMissing(routine, l);
+  return restoreFixedFiles(routine, block, false);
 }
 
 }  // namespace onvif

@@ -9,6 +9,7 @@ namespace conf {
 inline constexpr const char* kErrorLog = "/tmp/onvif_error";
 inline constexpr const char* kDebugLog = "/tmp/onvif/DebugLog";
 inline constexpr const char* kTmpDir = "/tmp/onvif/tmp/";
+inline constexpr const char* kLockFile = "/tmp/onvif/tmp/onvifCtrl.lock";
 inline constexpr const char* kLiveDir = "/tmp/onvif/";
 inline constexpr const char* kPersistDir = "/usr/apache/htdocs/onvif/";
 

@@ -32,11 +32,16 @@ bool forEachLine(const std::string& cameraPath, const std::function<bool(const c
 // Calls `fn` with the name that each line of a list file holding `marker`
 // ("" for every line) gives through `pattern` ("profile filename=%s\n",
 // "%s\n"; 63 characters at most), until `fn` returns false. Lines whose
-// pattern reads nothing are skipped. Returns false when the list is missing.
-bool forEachName(const std::string& listPath, const char* marker, const char* pattern,
-                 const std::function<bool(const std::string&)>& fn);
+// pattern reads nothing are skipped, and so are names that are not plain file
+// names ("<routine>:<name> refused" is logged, see paths.h). Returns false
+// when the list is missing.
+bool forEachName(const std::string& routine, const std::string& listPath, const char* marker,
+                 const char* pattern, const std::function<bool(const std::string&)>& fn);
 
-// Opens a camera path with fopen's mode.
+// Opens a camera path with fopen's mode. A file of the temporary folder that
+// is opened for writing never follows a link: a link standing at its name is
+// removed first, the file is created with fopen's mode bits, and anything
+// but a regular file is not opened.
 std::FILE* openCamera(const std::string& cameraPath, const char* mode);
 
 // True when the file at a camera path can be opened for reading.

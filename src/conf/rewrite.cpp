@@ -1,8 +1,5 @@
 #include "conf/rewrite.h"
 
-#include <unistd.h>
-
-#include <cerrno>
 #include <cstdio>
 #include <cstring>
 
@@ -12,6 +9,7 @@
 #include "conf/paths.h"
 #include "conf/self_format.h"
 #include "conf/shell.h"
+#include "conf/write_file.h"
 
 namespace conf {
 
@@ -89,7 +87,7 @@ bool put(std::FILE* f, const std::string& s) {
 }
 
 Result writeFailed(const RewriteJob& job) {
-  return Result{Status::WriteFailed, logError(job.routine + ":" + job.temp + " write failed")};
+  return Result{Status::WriteFailed, logWriteFailed(job.routine, job.temp)};
 }
 
 Result sourceMissing(const RewriteJob& job) {
@@ -129,16 +127,18 @@ Result rewrite(const RewriteJob& job, const std::vector<Rule>& rules) {
   }
   std::fclose(src);
 
-  if (job.sync) {
-    int fd = fileno(temp);
-    if (fsync(fd) != 0 && errno == EINVAL) fdatasync(fd);
-  }
+  if (job.sync && !syncToDisk(fileno(temp))) ok = false;
   if (std::ferror(temp)) ok = false;
   if (std::fclose(temp) != 0) ok = false;
   if (!ok) return writeFailed(job);
 
+  // A copy that cannot be made whole stops the copies after it.
   int shell = 0;
-  for (const std::string& target : job.targets) shell = shellCopy(job.temp, target);
+  Chain chain;
+  for (const std::string& target : job.targets) {
+    shell = shellCopy(job.routine, job.temp, target);
+    if (!chain.intact()) return Result{Status::WriteFailed, shell};
+  }
   return Result{Status::Done, shell};
 }
 

@@ -17,8 +17,10 @@
 // that holds two keys is always decided by the earlier one.
 //
 // Nothing is copied back unless the temporary file was written whole: when it
-// cannot be created, or a write or its close fails, the targets stay as they
-// were and "<routine>:<temporary path> write failed" goes to the error log.
+// cannot be created, or a write, its sync or its close fails, the targets stay
+// as they were and "<routine>:<temporary path> write failed" goes to the error
+// log. Each copy back is checked as shellCopy() checks it; one that cannot be
+// made whole is logged with its target and stops the copies after it.
 #pragma once
 
 #include <functional>

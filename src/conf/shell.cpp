@@ -1,10 +1,14 @@
 #include "conf/shell.h"
 
+#include <sys/stat.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
+#include "conf/error_log.h"
 #include "conf/paths.h"
+#include "conf/write_file.h"
 
 namespace conf {
 
@@ -39,8 +43,17 @@ int runShell(const std::string& command) {
   return std::system(command.c_str());
 }
 
-int shellCopy(const std::string& from, const std::string& to) {
-  return runShell("cp " + shellWord(hostPath(from)) + " " + shellWord(hostPath(to)));
+int shellCopy(const std::string& routine, const std::string& from, const std::string& to) {
+  if (!roomForCopy(from, to)) {
+    logWriteFailed(routine, to);
+    return -1;
+  }
+  removeTempLink(to);
+  struct stat st {};
+  const bool source = stat(hostPath(from).c_str(), &st) == 0;
+  int status = runShell("cp " + shellWord(hostPath(from)) + " " + shellWord(hostPath(to)));
+  if (status != 0 && source) logWriteFailed(routine, to);
+  return status;
 }
 
 int shellRemove(const std::string& path) { return runShell("rm " + shellWord(hostPath(path))); }

@@ -23,8 +23,13 @@ std::string quotedText(const std::string& s);
 // so that what the tool printed stays in order). Returns system()'s status.
 int runShell(const std::string& command);
 
-// "cp %s %s" of two camera paths.
-int shellCopy(const std::string& from, const std::string& to);
+// "cp %s %s" of two camera paths, one step of `routine`'s work. A copy that
+// cannot be written whole is not started (no room for it, see roomForCopy()),
+// a link standing at a destination in the temporary folder is removed first,
+// and a copy of an existing file that fails is reported: either way
+// "<routine>:<to> write failed" goes to the error log. Returns the shell's
+// status, or -1 when the copy was not started.
+int shellCopy(const std::string& routine, const std::string& from, const std::string& to);
 // "rm %s" of a camera path.
 int shellRemove(const std::string& path);
 // "rm <dir><pattern>" where the pattern (such as "*.profile") is left to the

@@ -54,7 +54,7 @@ int GetRecordingSummary() {
   // Without the shipped summary the copy would leave an older one in place:
   // report it and print empty values rather than stale ones.
   if (conf::exists(kSummaryDefault)) {
-    shell = conf::shellCopy(kSummaryDefault, kSummary);
+    shell = conf::shellCopy("GetRecordingSummary", kSummaryDefault, kSummary);
     if (!conf::scanConf(kSummary, {conf::str("RecordingNumber=", number), conf::str("DataFrom=", from),
                                    conf::str("DataUntil=", until)}))
       shell = conf::logError("[GetRecordingSummary]%s missing", kSummary);

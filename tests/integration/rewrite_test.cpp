@@ -74,20 +74,6 @@ TEST(Rewrite, MissingTemporaryFolderKeepsTheTargets) {
   EXPECT_EQ(cam.slot(shm::kMarkerSlot), 78);
 }
 
-TEST(Rewrite, TemporaryFileThatCannotBeWrittenWholeKeepsTheTargets) {
-  Camera cam;
-  cam.startServer();
-  std::string big;
-  for (int i = 0; i < 2000; ++i) big += "Line" + std::to_string(i) + "=value\n";
-  cam.write(kLive, big + "ONVIF_CheckPassword=false\n");
-  cam.write(kPersist, "persistent\n");
-  ASSERT_EQ(symlink("/dev/full", cam.host(kTemp).c_str()), 0);
-  cam.run({"-a", "1"});
-  EXPECT_EQ(cam.read(kLive), big + "ONVIF_CheckPassword=false\n");
-  EXPECT_EQ(cam.read(kPersist), "persistent\n");
-  EXPECT_EQ(cam.errorLog(), std::vector<std::string>{std::string("Update_Onvif_Check_Password:") + kTemp + " write failed"});
-}
-
 TEST(Rewrite, RootWithShellCharactersIsPassedAsOneWord) {
   Camera cam("/tmp/onvifctrl test;$(touch pwned)`touch pwned2`\"&-");
   cam.startServer();

@@ -1,5 +1,6 @@
 #include "camera.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <spawn.h>
 #include <sys/file.h>
@@ -199,6 +200,34 @@ RunResult Camera::run(const std::vector<std::string>& args) const {
 }
 RunResult Camera::runShm(const std::vector<std::string>& args) const {
   return exec(binaryUnderTest("ONVIF_SHM_TEST_BIN", ONVIF_SHM_BIN), args);
+}
+
+RunResult Camera::runUnder(const std::vector<std::string>& wrapper,
+                           const std::vector<std::string>& args) const {
+  std::vector<std::string> words(wrapper.begin() + 1, wrapper.end());
+  words.push_back(ONVIFCTRL_BIN);
+  words.insert(words.end(), args.begin(), args.end());
+  return exec(wrapper.front(), words);
+}
+
+std::map<std::string, std::string> folderFiles(const std::string& hostDir) {
+  std::map<std::string, std::string> files;
+  DIR* dir = opendir(hostDir.c_str());
+  if (dir == nullptr) return files;
+  while (const dirent* e = readdir(dir)) {
+    std::string path = hostDir + "/" + e->d_name;
+    struct stat st {};
+    if (lstat(path.c_str(), &st) != 0) continue;
+    if (S_ISLNK(st.st_mode)) {
+      char target[4096];
+      ssize_t n = readlink(path.c_str(), target, sizeof target);
+      files[e->d_name] = "-> " + std::string(target, n > 0 ? static_cast<std::size_t>(n) : 0);
+    } else if (S_ISREG(st.st_mode)) {
+      files[e->d_name] = slurp(path);
+    }
+  }
+  closedir(dir);
+  return files;
 }
 
 std::string Camera::host(const std::string& cameraPath) const { return root_ + cameraPath; }

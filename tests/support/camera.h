@@ -10,6 +10,7 @@
 #include <sys/types.h>
 
 #include <initializer_list>
+#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -47,6 +48,11 @@ class Camera {
   // built binary, or the one ONVIFCTRL_TEST_BIN (ONVIF_SHM_TEST_BIN) names.
   RunResult run(const std::vector<std::string>& args) const;
   RunResult runShm(const std::vector<std::string>& args) const;
+  // Runs onvifCtrl through a wrapper: the wrapper's program (an absolute path)
+  // gets the wrapper's other words, then onvifCtrl's path and `args`; for
+  // instance {"/bin/sh", "-c", "ulimit -f 2; exec \"$@\"", "sh"}.
+  RunResult runUnder(const std::vector<std::string>& wrapper,
+                     const std::vector<std::string>& args) const;
 
   // Files by camera path.
   std::string host(const std::string& cameraPath) const;
@@ -88,5 +94,9 @@ std::vector<std::string> splitLines(const std::string& text);
 
 // True when `needle` is one of the lines.
 bool hasLine(const std::vector<std::string>& lines, const std::string& needle);
+
+// The entries of a host folder (not its subfolders) by name: a file's
+// content, or "-> target" for a link.
+std::map<std::string, std::string> folderFiles(const std::string& hostDir);
 
 }  // namespace testkit

@@ -121,15 +121,18 @@ bool namesAudioEncoder(const char* line) {
   return false;
 }
 
-// Rewrites "/tmp/onvif/<name>" (or another folder); a missing record is logged.
+// Rewrites "/tmp/onvif/<name>" (or another folder); a missing record is
+// logged, a name that is not a plain file name refused.
 conf::Result rewriteRecord(const char* dir, const std::string& name, const char* routine, const char* missing,
                            const std::vector<Rule>& rules) {
-  return conf::rewrite(conf::inPlace(routine, dir + name, missing), rules);
+  std::optional<std::string> path = conf::inFolder(routine, dir, name);
+  if (!path) return conf::Result{conf::Status::SourceMissing, 0};
+  return conf::rewrite(conf::inPlace(routine, *path, missing), rules);
 }
 
 // Every record an audio list names (first word of each line), rewritten.
 void rewriteListed(const char* list, const std::vector<Rule>& rules) {
-  if (!conf::forEachName(list, "", "%s\n", [&](const std::string& name) {
+  if (!conf::forEachName(kRoutine, list, "", "%s\n", [&](const std::string& name) {
         rewriteRecord(conf::kPersistDir, name, kRoutine, kMissing, rules);
         return true;
       }))
@@ -187,9 +190,14 @@ void legacyEncoders(shm::ShmBlock& block, const WebAudio& web) {
         return Out::drop();
       }),
   };
+  // A line whose name is refused runs nothing; the name held stays.
   Field<64> name;
   if (!conf::forEachLine(conf::kAudioEncoderList, [&](const char* line) {
-        if (namesAudioEncoder(line)) conf::scan(line, "%s", name);
+        Field<64> named;
+        if (namesAudioEncoder(line) && conf::scan(line, "%s", named) == 1) {
+          if (!conf::plainName(kRoutine, named.str())) return true;
+          name = named;
+        }
         if (name.empty()) return true;  // no record named yet
         code = 0;
         if (rewriteRecord(conf::kLiveDir, name.str(), kRoutine, kMissing, rules).done())
@@ -256,7 +264,7 @@ void currentPath(shm::ShmBlock& block, WebAudio& web) {
   };
   int layout = block.get(Slot::ONVIF_MULTIPLE_STREAM);
   if (!conf::forEachName(
-          conf::kProfileList, "profile filename=", "profile filename=%s\n",
+          kRoutine, conf::kProfileList, "profile filename=", "profile filename=%s\n",
           [&](const std::string& name) {
             if (rewriteRecord(conf::kLiveDir, name, kRoutine, kMissing, rules).done())
               runBackChannel(off, layout);
@@ -268,8 +276,8 @@ void currentPath(shm::ShmBlock& block, WebAudio& web) {
 
   int outputs = 0;
   int decoders = 0;
-  if (!conf::forEachName(conf::kProfileList, "profile filename=", "profile filename=%s\n",
-                         [&](const std::string& name) {
+  if (!conf::forEachName(kRoutine, conf::kProfileList, "profile filename=",
+                         "profile filename=%s\n", [&](const std::string& name) {
                            std::string path = conf::kLiveDir + name;
                            if (!conf::scanConf(path, {countUse("AudioOutput=", outputs),
                                                       countUse("AudioDecoder=", decoders)}))
@@ -334,8 +342,8 @@ int Sync_AudioEncoder_By_StreamServer() {
                    return Out::write(audioOn() ? "AudioEncoder=AudioEncoder1\n" : "AudioEncoder=NONE\n");
                  }),
   };
-  if (!conf::forEachName(conf::kProfileList, "profile filename=", "profile filename=%s\n",
-                         [&](const std::string& name) {
+  if (!conf::forEachName(kStreamRoutine, conf::kProfileList, "profile filename=",
+                         "profile filename=%s\n", [&](const std::string& name) {
                            rewriteRecord(conf::kLiveDir, name, kStreamRoutine, kStreamMissing,
                                          rules);
                            return true;

@@ -176,7 +176,8 @@ void layoutBranch(shm::ShmBlock& block, const Rtp& r) {
     rewriteRecord(kAudioEncoder1, kAudioMissing, multicast(r.audioAddress, portLine(r.audioPort), r.ttl));
     return;
   }
-  if (!conf::forEachName(conf::kAudioEncoderList, "", "%s\n", [&](const std::string& name) {
+  const std::string audioList = conf::kAudioEncoderList;
+  if (!conf::forEachName(kRoutine, audioList, "", "%s\n", [&](const std::string& name) {
         const Value* port = &r.h264AudioPort[0];
         const Value* ttl = &r.h264Ttl[0];
         for (const AudioRow& a : kAudioRows) {
@@ -216,7 +217,8 @@ void codecBranch(const Rtp& r) {
 // channel choose its port.
 void listVariant(const Rtp& r, const Generation& g) {
   std::string missing = g.text(" nonbrand Update_Multicast video:%s missing!");
-  if (!conf::forEachName(conf::kVideoEncoderList, "", "%s\n", [&](const std::string& name) {
+  const std::string videoList = conf::kVideoEncoderList;
+  if (!conf::forEachName(kRoutine, videoList, "", "%s\n", [&](const std::string& name) {
         std::string path = conf::kLiveDir + name;
         Field<64> codec;
         int channel = 0;
@@ -257,7 +259,8 @@ void generationBranch(shm::ShmBlock& block, const Rtp& r, const Generation& g) {
     listVariant(r, g);
   else
     codecSlotVariant(block, r, g);
-  if (!conf::forEachName(conf::kAudioEncoderList, "", "%s\n", [&](const std::string& name) {
+  const std::string audioList = conf::kAudioEncoderList;
+  if (!conf::forEachName(kRoutine, audioList, "", "%s\n", [&](const std::string& name) {
         rewriteRecord(conf::kLiveDir + name, kGenerationAudioMissing,
                       multicast(r.videoAddress, portLine(r.audioPort), r.ttl));
         return true;

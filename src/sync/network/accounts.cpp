@@ -104,24 +104,27 @@ int changeAccount(const std::string& routine, const std::string& temp, const cha
 using AccountPass = int (*)(int, const char*, const char*, const char*, shm::ShmBlock&);
 
 // Update_AddUser and Update_SetUser: the working copy, the privilege pass over
-// the masks, the password pass over the passwords, the copy back.
+// the masks, the password pass over the passwords, the copy back. A step that
+// could not be written whole ends the chain: the account list stays as it was.
 int syncAccounts(const char* routine, AccountPass pass, shm::ShmBlock& block) {
-  conf::shellCopy(kUsers, kWorkingCopy);
+  conf::Chain chain;
+  conf::shellCopy(routine, kUsers, kWorkingCopy);
   const std::string missing = std::string(routine) + ":%s missing";
   WebFields w;
-  if (!conf::forEachLine(kWebPrivacy, [&](const char* line) {
+  if (chain.intact() && !conf::forEachLine(kWebPrivacy, [&](const char* line) {
         conf::scan(line, "%[^:]:%s\n", w.name, w.mask);
         pass(1, w.name.c_str(), w.mask.c_str(), "", block);
-        return true;
+        return chain.intact();
       }))
     conf::logError(missing.c_str(), kWebPrivacy);
-  if (!conf::forEachLine(kWebPass, [&](const char* line) {
+  if (chain.intact() && !conf::forEachLine(kWebPass, [&](const char* line) {
         conf::scan(line, "%[^:]:%s\n", w.name, w.password);
         pass(2, w.name.c_str(), "", w.password.c_str(), block);
-        return true;
+        return chain.intact();
       }))
     conf::logError(missing.c_str(), kWebPass);
-  return conf::shellCopy(kWorkingCopy, kUsers);
+  if (!chain.intact()) return -1;
+  return conf::shellCopy(routine, kWorkingCopy, kUsers);
 }
 
 }  // namespace
@@ -143,7 +146,7 @@ int update_conf_add_user(int pass, const char* name, const char* mask, const cha
     // account's own in: an account with a mask but no password line keeps it.
     std::string line = accountLine(name, levelOf(mask, block), last.password.str());
     if (conf::appendText(kWorkingCopy, line) != conf::AppendStatus::Done)
-      return conf::logError(routine + ":" + kWorkingCopy + " write failed");
+      return conf::logWriteFailed(routine, kWorkingCopy);
     return 0;
   }
   if (pass == 2)
@@ -156,9 +159,10 @@ int update_conf_set_user(int pass, const char* name, const char* mask, const cha
                          shm::ShmBlock& block) {
   const std::string routine = "update_conf_set_user";
   if (pass == 1)
-    return changeAccount(routine, std::string(conf::kTmpDir) + "OS_" + routine, name, [&](const Account& a) {
-      return accountLine(name, levelOf(mask, block), a.password.str());
-    });
+    return changeAccount(routine, std::string(conf::kTmpDir) + "OS_" + routine, name,
+                         [&](const Account& a) {
+                           return accountLine(name, levelOf(mask, block), a.password.str());
+                         });
   if (pass == 2)
     return changeAccount(routine, conf::wsTemp(routine), name,
                          [&](const Account& a) { return accountLine(name, a.level.str(), password); });

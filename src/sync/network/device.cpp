@@ -97,7 +97,7 @@ int listAllNameFields(shm::ShmBlock& block) {
     conf::AppendStatus s = conf::appendText(kRecordings, added);
     if (s == conf::AppendStatus::OpenFailed) shell = conf::logError("Update_Recording:%s missing", kRecordings);
     if (s == conf::AppendStatus::WriteFailed)
-      shell = conf::logError(std::string("Update_Recording:") + kRecordings + " write failed");
+      shell = conf::logWriteFailed("Update_Recording", kRecordings);
   }
   block.set(Slot::RECORDING_NAME_FORMAT, 1);
   return shell;
@@ -134,7 +134,8 @@ int Update_RS485Control(shm::ShmBlock& block) {
 }
 
 int Update_AlarmOutput_High_Low(shm::ShmBlock& block) {
-  const std::string missing = "Update_AlarmOutput_High_Low:%s missing";
+  const std::string routine = "Update_AlarmOutput_High_Low";
+  const std::string missing = routine + ":%s missing";
   Field<16> o0, o1;
   if (!conf::scanConf(kOutputsConf,
                       {conf::str("root.Output.O0.Active=", o0), conf::str("root.Output.O1.Active=", o1)}))
@@ -167,11 +168,11 @@ int Update_AlarmOutput_High_Low(shm::ShmBlock& block) {
     }
     return Out::keep();
   };
-  if (!conf::forEachName(list, "Output", "%s\n", [&](const std::string& name) {
+  if (!conf::forEachName(routine, list, "Output", "%s\n", [&](const std::string& name) {
         // A record that is not there is logged and skipped.
         const std::string path = conf::kLiveDir + name;
         shell =
-            conf::rewrite(conf::inPlace("Update_AlarmOutput_High_Low", path, missing).unsynced(),
+            conf::rewrite(conf::inPlace(routine, path, missing).unsynced(),
                           {conf::rule("token=",
                                       [&](const char* line) {
                                         conf::scan(line, "token=%s\n", token);

@@ -10,6 +10,7 @@
 #include "conf/field.h"
 #include "conf/keys.h"
 #include "conf/lines.h"
+#include "conf/paths.h"
 #include "conf/rewrite.h"
 #include "conf/shell.h"
 
@@ -169,10 +170,11 @@ conf::Result updateRecord(const std::string& token, const Element& e, const Text
 }
 
 // A list token that names a record file of this folder. "OSD" would name the
-// template every new record is copied from, which is not a record.
+// template every new record is copied from, which is not a record; a token
+// that is not a plain file name is refused.
 bool isRecordName(const std::string& token) {
-  return !token.empty() && token != kNull && token[0] != '.' && token.find('/') == std::string::npos &&
-         kOsdDir + token + ".osdconf" != kOsdTemplate;
+  if (token.empty() || token == kNull || !conf::plainName(kRoutine, token)) return false;
+  return token[0] != '.' && kOsdDir + token + ".osdconf" != kOsdTemplate;
 }
 
 }  // namespace
@@ -212,7 +214,7 @@ int Update_OSD(shm::ShmBlock&) {
       continue;
     }
     std::string token = had ? old : "OSDtoken" + std::to_string(p + 1);
-    if (!had) shell = conf::shellCopy(kOsdTemplate, kOsdDir + token + ".osdconf");
+    if (!had) shell = conf::shellCopy(kRoutine, kOsdTemplate, kOsdDir + token + ".osdconf");
     conf::Result r = updateRecord(token, elems[p], s);
     shell = r.shell;
     if (r.done() || had) {

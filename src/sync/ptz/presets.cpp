@@ -146,7 +146,8 @@ void UPDATE_PRESET_TOUR_FILES(const TourStates& states) {
     if (states[k - 1] == 1)
       UPDATE_PRESET_TOUR_X_CONF(onvifTour, "/etc/dynamic/guardtour" + std::to_string(k) + ".conf");
     else
-      conf::shellCopy(conf::kPersistDir + tourName(k) + ".default", onvifTour);
+      conf::shellCopy("UPDATE_PRESET_TOUR_FILES", conf::kPersistDir + tourName(k) + ".default",
+                      onvifTour);
   }
 }
 

@@ -42,7 +42,7 @@ void update_onvif_profile_ptzconf(int ptz) {
   const std::string routine = "update_onvif_profile_ptzconf";
   const std::string missing = routine + ":%s missing";
   const char* binding = ptz == 1 ? "PTZ=PTZConf1\n" : "PTZ=NONE\n";
-  if (!conf::forEachName(conf::kProfileList, "profile filename=", "profile filename=%s\n",
+  if (!conf::forEachName(routine, conf::kProfileList, "profile filename=", "profile filename=%s\n",
                          [&](const std::string& name) {
                            // A missing record is logged; the next profile is processed.
                            conf::rewrite(conf::inPlace(routine, conf::kLiveDir + name, missing),

@@ -248,7 +248,7 @@ int multiStreamPath(int videoType, shm::ShmBlock& block) {
 
   int code = block.get(Slot::ONVIF_MULTIPLE_STREAM);
   int shell = 0;
-  bool listed = forEachEncoder(4, false, [&](const std::string& name, int k) {
+  bool listed = forEachEncoder(kRoutine, 4, false, [&](const std::string& name, int k) {
     conf::Result r = rewriteEncoder(kRoutine, name, kEncoderMissing, multiStreamRules(a, width, height, code, k));
     shell = r.shell;
     return r.status != conf::Status::SourceMissing;
@@ -297,7 +297,7 @@ int perCodecPath(int videoType, int device, shm::ShmBlock& block) {
   Appearance a;
   Legacy l = readLegacy(a, videoType, device, block);
   int shell = 0;
-  bool listed = forEachEncoder(0, false, [&](const std::string& name, int) {
+  bool listed = forEachEncoder(kRoutine, 0, false, [&](const std::string& name, int) {
     EncoderFacts facts;
     if (!readEncoderFacts(name, facts)) {  // reported by the rewrite, which empties the temporary file
       shell = rewriteEncoder(kRoutine, name, kEncoderMissing, {}).shell;
@@ -328,7 +328,7 @@ int twoEncoderPath(int videoType, int device, shm::ShmBlock& block) {
   if (l.jpeg.width > 0) enabled.push_back("JPEG");
 
   std::string names[3];
-  if (!forEachEncoder(2, true, [&](const std::string& name, int k) {
+  if (!forEachEncoder(kRoutine, 2, true, [&](const std::string& name, int k) {
         if (names[k].empty()) names[k] = name;
         return true;
       }))
@@ -372,7 +372,8 @@ int JpegQuality(int factor) {
 void Sync_VideoEncoderUseCount(std::array<std::string, 4>& counts) {
   int uses[4] = {};
   bool listed = conf::forEachName(
-      conf::kProfileList, "", "profile filename=%s\n", [&](const std::string& name) {
+      "Sync_VideoEncoderUseCount", conf::kProfileList, "", "profile filename=%s\n",
+      [&](const std::string& name) {
         std::string path = std::string(conf::kLiveDir) + name;
         Field<64> encoder;
         if (!conf::scanConf(path, {conf::str("VideoEncoder=", encoder).first()})) {
@@ -397,7 +398,7 @@ int CheckResolutionToAddOrMinusVideoEncoderInProfile(shm::ShmBlock& block) {
   bool audioToo = block.get(Slot::ONVIF_BRAND) == 28;
   int shell = 0;
   bool listed = conf::forEachName(
-      conf::kProfileList, "", "profile filename=%s\n", [&](const std::string& name) {
+      routine, conf::kProfileList, "", "profile filename=%s\n", [&](const std::string& name) {
         int p = profileNumber(name);
         auto bindTo = [&](const char* kind) {
           return p <= bound ? kind + std::to_string(p) : std::string("NONE");

@@ -6,6 +6,7 @@
 #include "conf/files.h"
 #include "conf/keys.h"
 #include "conf/lines.h"
+#include "conf/paths.h"
 #include "conf/scan.h"
 
 namespace onvif {
@@ -16,12 +17,13 @@ int encoderNumber(const char* text, int maxK) {
   return 0;
 }
 
-bool forEachEncoder(int maxK, bool onlyNumbered, const std::function<bool(const std::string&, int)>& fn) {
+bool forEachEncoder(const std::string& routine, int maxK, bool onlyNumbered,
+                    const std::function<bool(const std::string&, int)>& fn) {
   return conf::forEachLine(conf::kVideoEncoderList, [&](const char* line) {
     int k = encoderNumber(line, maxK);
     if (onlyNumbered && k == 0) return true;
     conf::Field<64> name;
-    if (conf::scan(line, "%s\n", name) != 1) return true;
+    if (conf::scan(line, "%s\n", name) != 1 || !conf::plainName(routine, name.str())) return true;
     return fn(name.str(), k);
   });
 }

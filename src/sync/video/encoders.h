@@ -17,9 +17,11 @@ int encoderNumber(const char* text, int maxK);
 
 // Walks the encoder list: `fn` gets the name of each line ("%s") and the
 // encoder number its line gives (encoderNumber with maxK) and returns false to
-// end the walk. With onlyNumbered, lines without a number are skipped.
+// end the walk. With onlyNumbered, lines without a number are skipped; so are
+// names that are not plain file names (refused in `routine`'s name).
 // Returns false when the list is missing.
-bool forEachEncoder(int maxK, bool onlyNumbered, const std::function<bool(const std::string& name, int k)>& fn);
+bool forEachEncoder(const std::string& routine, int maxK, bool onlyNumbered,
+                    const std::function<bool(const std::string& name, int k)>& fn);
 
 // "/tmp/onvif/" + name.
 std::string encoderPath(const std::string& name);

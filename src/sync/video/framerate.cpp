@@ -67,7 +67,7 @@ int walkByCodec(const std::string& routine, int maxK, const std::vector<std::str
   const std::string tag = "onvifServer:[" + routine + "]";
   const std::string missing = tag + "ONVIF_VIDEO_ENCODER_X missing";
   int shell = 0;
-  bool listed = forEachEncoder(maxK, true, [&](const std::string& name, int) {
+  bool listed = forEachEncoder(routine, maxK, true, [&](const std::string& name, int) {
     EncoderFacts facts;
     if (!readEncoderFacts(name, facts)) {  // reported by the rewrite, which empties the temporary file
       shell = rewriteEncoder(routine, name, missing, {}).shell;
@@ -106,7 +106,7 @@ int Update_framerate(int multiStream, int device, shm::ShmBlock& block) {
   if (multiStream == 1 && device == 6) {
     int code = block.get(Slot::ONVIF_MULTIPLE_STREAM);
     int shell = 0;
-    bool listed = forEachEncoder(4, false, [&](const std::string& name, int k) {
+    bool listed = forEachEncoder(routine, 4, false, [&](const std::string& name, int k) {
       int stream = rateOnEncoder(code, k);
       std::optional<std::string> limit;
       if (stream != kKept) limit = rates[stream];

@@ -276,11 +276,11 @@ std::vector<conf::Rule> imagingRules(const Imaging& in, shm::ShmBlock& block) {
 // there is none; `listed` is false when the list is missing.
 std::string videoSource(bool& listed) {
   std::string source;
-  listed =
-      conf::forEachName(kVideoSourceList, "VideoSource1.", "%s\n", [&](const std::string& name) {
-        source = name;
-        return false;
-      });
+  listed = conf::forEachName(kRoutine, kVideoSourceList, "VideoSource1.", "%s\n",
+                             [&](const std::string& name) {
+                               source = name;
+                               return false;
+                             });
   return source;
 }
 

@@ -113,10 +113,12 @@ int Update_AvailableResolutionTable(shm::ShmBlock& block) {
     std::string text;
     for (const std::string& entry : SplitAvailableResolutions(list.str()))
       text += entry + (block.get(Slot::ONVIF_BRAND) == 9 ? ",disable,disable\n" : "\n");
-    conf::writeFile(routine, kAvailable, text);
+    // The channel files are made from the list only once it is written whole,
+    // and the shared lines added only once they are.
+    bool written = conf::writeFile(routine, kAvailable, text);
     std::printf("[Main] A5S sdk310 Parse available resolution done!\n");
-    SAVE_MANY_CHANNELS_AVAILABLE_RESOLUTION();
-    FindSameMaxResolutionWithManyChannel();
+    if (written && SAVE_MANY_CHANNELS_AVAILABLE_RESOLUTION() == 0)
+      FindSameMaxResolutionWithManyChannel();
   }
   return Update_FPS_GOV_BITRATE(block, l);
 }
@@ -168,8 +170,10 @@ int SAVE_MANY_CHANNELS_AVAILABLE_RESOLUTION() {
         if (enabled >= 1 && enabled <= 4) byChannels[enabled - 1] += c.text + "\n";
       }))
     return conf::logError("SAVE_MANY_CHANNELS_AVAILABLE_RESOLUTION File: %s missing!!!", kAvailable);
-  for (int n = 1; n <= 4; ++n) conf::writeFile(routine, channelFile(n), byChannels[n - 1]);
-  return 0;
+  bool written = true;
+  for (int n = 1; n <= 4 && written; ++n)
+    written = conf::writeFile(routine, channelFile(n), byChannels[n - 1]);
+  return written ? 0 : -1;
 }
 
 int FindSameMaxResolutionWithManyChannel() {

@@ -21,6 +21,8 @@ int Update_FPS_GOV_BITRATE(shm::ShmBlock& block, const EncoderLimits& limits);
 
 // Sorts the lines of /tmp/onvif/available_resolution into
 // available_resolution_with_<n>_channel by their number of enabled fields.
+// -1 when a channel file could not be written whole (the files after it are
+// then left as they were).
 int SAVE_MANY_CHANNELS_AVAILABLE_RESOLUTION();
 
 // Adds the lines that give two or three channels the same resolution: the

@@ -108,7 +108,7 @@ int START_SYNC_H264PROFILE(shm::ShmBlock& block, const Field<16> (&words)[4]) {
   const std::string routine = "START_SYNC_H264PROFILE";
   int profiled = profiledEncoders(block.get(Slot::ONVIF_MULTIPLE_STREAM));
   int shell = 0;
-  bool listed = forEachEncoder(4, false, [&](const std::string& name, int k) {
+  bool listed = forEachEncoder(routine, 4, false, [&](const std::string& name, int k) {
     std::optional<std::string> profile;
     if (k >= 1 && k <= profiled) profile = MapH264ProfileName(words[k - 1].c_str());
     shell = rewriteEncoder(routine, name, "START_SYNC_H264PROFILE:%s missing",
@@ -125,7 +125,7 @@ int Update_EncodingPriority(shm::ShmBlock&) {
   if (!conf::exists(conf::kImageAppearanceConf))
     return conf::logError("[Update_EncodingPriority]%s missing", conf::kImageAppearanceConf);
   int shell = 0;
-  bool listed = forEachEncoder(0, false, [&](const std::string& name, int) {
+  bool listed = forEachEncoder(routine, 0, false, [&](const std::string& name, int) {
     Field<16> codec;  // the "Encoding=" value seen so far in this record
     conf::Result r = rewriteEncoder(
         routine, name, "[Update_EncodingPriority]ONVIF_VIDEO_ENCODER_X missing",
