@@ -164,9 +164,11 @@ TEST(Safety, LinksInTheTemporaryFolderAreNeverWrittenThrough) {
     Camera normal, planted;
     setUp(normal, slots);
     setUp(planted, slots);
+    const Snapshot shipped = testkit::folderFiles(normal.host(kTemp));
     normal.run(args);
     const Snapshot names = testkit::folderFiles(normal.host(kTemp));
     for (const auto& entry : names) {
+      if (shipped.count(entry.first) != 0) continue;  // the sample's own, not a temporary name
       std::ofstream(out.dir + "/" + entry.first) << "outside\n";
       ASSERT_EQ(symlink((out.dir + "/" + entry.first).c_str(),
                         planted.host(kTemp + entry.first).c_str()),
@@ -179,9 +181,7 @@ TEST(Safety, LinksInTheTemporaryFolderAreNeverWrittenThrough) {
     EXPECT_EQ(planted.errorLog(), normal.errorLog()) << args[1];
     EXPECT_EQ(testkit::folderFiles(planted.host(kTemp)), names) << args[1];
   };
-  std::thread first([&] { check(rows[0].first, rows[0].second); });
-  check(rows[1].first, rows[1].second);
-  first.join();
+  for (const auto& [args, slots] : rows) check(args, slots);
 }
 
 // Writes past 1 KiB fail, in the tool and in the "cp" and "sh" it runs.
