@@ -2,6 +2,8 @@
 // accepted set.
 #include <gtest/gtest.h>
 
+#include <cstdint>
+
 #include "cli/options.h"
 #include "cli/sync_table.h"
 
@@ -49,6 +51,21 @@ TEST(SyncTable, EveryCommandNumberHasARow) {
   for (int n = 1; n <= 36; ++n) EXPECT_NE(cli::findSyncCommand(n), nullptr) << n;
   for (int n = 98; n <= 101; ++n) EXPECT_NE(cli::findSyncCommand(n), nullptr) << n;
   for (int n : {0, 37, 97, 102}) EXPECT_EQ(cli::findSyncCommand(n), nullptr) << n;
+}
+
+// A stuck flag is waited out for the whole count of steps; a flag that is not
+// 1 still costs one step.
+TEST(ProtectWait, CountsItsSteps) {
+  struct Case {
+    int flag, steps, slept;
+  } cases[] = {{1, 300, 300}, {1, 7, 7}, {0, 300, 1}, {2, 300, 1}, {1, 0, 1}};
+  for (const Case& c : cases) {
+    std::int32_t mem[1001] = {};
+    shm::ShmBlock block(mem, sizeof mem);
+    block.set(shm::Slot::WEB_SYNC_PROTECT, c.flag);
+    EXPECT_EQ(cli::protectWait(block, shm::Slot::WEB_SYNC_PROTECT, {1, c.steps}), c.slept)
+        << c.flag << "/" << c.steps;
+  }
 }
 
 }  // namespace
