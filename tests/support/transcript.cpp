@@ -1,0 +1,203 @@
+#include "transcript.h"
+
+#include <dirent.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <map>
+#include <sstream>
+
+#include "host_shm.h"
+
+namespace testkit {
+
+namespace {
+
+using Tree = std::map<std::string, std::string>;  // camera path -> text
+
+std::string slurp(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
+
+// Regular files under `dir`, except the kit's own folders at the root.
+void walk(const std::string& root, const std::string& dir, Tree& tree) {
+  DIR* d = opendir((root + dir).c_str());
+  if (d == nullptr) return;
+  while (const dirent* e = readdir(d)) {
+    std::string name = e->d_name;
+    if (name == "." || name == ".." || (dir.empty() && (name == ".trace" || name == ".run")))
+      continue;
+    std::string path = dir + "/" + name;
+    struct stat st {};
+    if (lstat((root + path).c_str(), &st) != 0) continue;
+    if (S_ISDIR(st.st_mode)) walk(root, path, tree);
+    if (S_ISREG(st.st_mode)) tree[path] = slurp(root + path);
+  }
+  closedir(d);
+}
+
+Tree files(const Camera& cam) {
+  Tree tree;
+  walk(cam.root(), "", tree);
+  return tree;
+}
+
+std::vector<int> slots(const Camera& cam) {
+  setenv("ONVIFCTRL_ROOT", cam.root().c_str(), 1);
+  std::optional<shm::ShmBlock> block = host::attachServerBlock();
+  unsetenv("ONVIFCTRL_ROOT");
+  std::vector<int> values;
+  for (int i = 0; block && i <= shm::kServerSlotCount; ++i) values.push_back(block->at(i));
+  return values;
+}
+
+// A line as printable ASCII: other bytes (but tabs) as \xNN.
+std::string shown(const std::string& line) {
+  std::string out;
+  for (unsigned char ch : line) {
+    if ((ch >= 0x20 && ch < 0x7f) || ch == '\t') {
+      out += static_cast<char>(ch);
+    } else {
+      char hex[8];
+      std::snprintf(hex, sizeof hex, "\\x%02X", ch);
+      out += hex;
+    }
+  }
+  return out;
+}
+
+Lines textLines(const std::string& text) {
+  Lines lines;
+  for (const std::string& l : splitLines(text)) lines.push_back(shown(l));
+  if (!text.empty() && text.back() != '\n') lines.push_back("\\ no newline at end of file");
+  return lines;
+}
+
+// The lines of `after` that are not in `before` ("+ ") and the other way
+// round ("- "), each run of them headed by its first line number in `after`.
+std::string diff(const Lines& a, const Lines& b) {
+  std::vector<std::vector<int>> common(a.size() + 1, std::vector<int>(b.size() + 1, 0));
+  for (std::size_t i = a.size(); i-- > 0;)
+    for (std::size_t j = b.size(); j-- > 0;)
+      common[i][j] =
+          a[i] == b[j] ? common[i + 1][j + 1] + 1 : std::max(common[i + 1][j], common[i][j + 1]);
+  std::string out;
+  bool inRun = false;
+  for (std::size_t i = 0, j = 0; i < a.size() || j < b.size();) {
+    bool same = i < a.size() && j < b.size() && a[i] == b[j];
+    if (same) {
+      ++i, ++j;
+      inRun = false;
+      continue;
+    }
+    if (!inRun) out += "  @" + std::to_string(j + 1) + "\n";
+    inRun = true;
+    if (j == b.size() || (i < a.size() && common[i + 1][j] >= common[i][j + 1])) {
+      out += "  - " + a[i++] + "\n";
+    } else {
+      out += "  + " + b[j++] + "\n";
+    }
+  }
+  return out;
+}
+
+std::string replaceAll(std::string s, const std::string& from, const std::string& to) {
+  for (std::size_t at = s.find(from); at != std::string::npos; at = s.find(from, at + to.size()))
+    s.replace(at, from.size(), to);
+  return s;
+}
+
+std::string prefixed(const std::string& prefix, const std::string& text) {
+  std::string out;
+  for (const std::string& l : textLines(text)) out += prefix + l + "\n";
+  return out;
+}
+
+std::string fileChanges(const Tree& before, const Tree& after) {
+  std::string out;
+  std::map<std::string, std::string> listed;  // text -> the first path listed with it
+  for (const auto& [path, text] : after) {
+    auto was = before.find(path);
+    if (was != before.end() && was->second == text) continue;
+    auto same = listed.find(text);
+    if (same != listed.end()) {
+      out += "= " + path + ": as " + same->second + "\n";
+      continue;
+    }
+    listed.emplace(text, path);
+    if (text.empty()) {
+      out += (was == before.end() ? "+ " : "~ ") + path + " (empty)\n";
+    } else if (was == before.end()) {
+      out += "+ " + path + "\n" + prefixed("  ", text);
+    } else {
+      out += "~ " + path + "\n" + diff(textLines(was->second), textLines(text));
+    }
+  }
+  for (const auto& [path, text] : before)
+    if (after.count(path) == 0) out += "- " + path + "\n";
+  return out;
+}
+
+std::string slotChanges(const std::vector<int>& before, const std::vector<int>& after) {
+  std::string out;
+  for (std::size_t i = 0; i < before.size() && i < after.size(); ++i) {
+    if (before[i] == after[i]) continue;
+    const char* name = shm::slotName(static_cast<int>(i));
+    out += "slot " +
+           (name ? std::string(name) + " (" + std::to_string(i) + ")" : std::to_string(i)) + ": " +
+           std::to_string(before[i]) + " -> " + std::to_string(after[i]) + "\n";
+  }
+  return out;
+}
+
+}  // namespace
+
+void put(const Camera& cam, const Files& files) {
+  for (const auto& [path, text] : files) text ? cam.write(path, *text) : cam.remove(path);
+}
+
+std::string record(Camera& cam, const Step& step) {
+  for (const auto& [s, v] : step.slots) cam.setSlot(s, v);
+  put(cam, step.files);
+  const Tree filesBefore = files(cam);
+  const std::vector<int> slotsBefore = slots(cam);
+  cam.clearTrace();
+  Lines args;
+  std::istringstream words(step.command);
+  for (std::string w; words >> w;) args.push_back(w);
+  RunResult r = cam.run(args);
+  std::string out = "# " + step.title + "\n$ onvifCtrl " + step.command + "\n";
+  if (r.status != 0) out += "exit " + std::to_string(r.status) + "\n";
+  out += prefixed("> ", replaceAll(r.out, cam.root(), ""));
+  out += fileChanges(filesBefore, files(cam));
+  out += slotChanges(slotsBefore, slots(cam));
+  for (const std::string& command : cam.shellTrace()) out += "sh: " + command + "\n";
+  return out + "\n";
+}
+
+std::string transcript(Camera& cam, const std::vector<Step>& steps) {
+  std::string out;
+  for (const Step& s : steps) out += record(cam, s);
+  return out;
+}
+
+std::string golden(const std::string& name) { return slurp(ONVIFCTRL_GOLDEN "/" + name); }
+
+void expectGolden(const std::string& actual) {
+  const testing::TestInfo* test = testing::UnitTest::GetInstance()->current_test_info();
+  const std::string name = std::string(test->test_suite_name()) + "." + test->name() + ".result";
+  const char* update = std::getenv("ONVIFCTRL_GOLDEN_UPDATE");
+  if (update != nullptr && std::string(update) == "1") {
+    std::ofstream(ONVIFCTRL_GOLDEN "/" + name, std::ios::binary) << actual;
+    return;
+  }
+  EXPECT_EQ(golden(name), actual) << "tests/golden/" << name;
+}
+
+}  // namespace testkit
