@@ -113,9 +113,11 @@ std::string replaceAll(std::string s, const std::string& from, const std::string
   return s;
 }
 
+// The lines of `text` after `prefix` (without its blanks on empty lines).
 std::string prefixed(const std::string& prefix, const std::string& text) {
   std::string out;
-  for (const std::string& l : textLines(text)) out += prefix + l + "\n";
+  for (const std::string& l : textLines(text))
+    out += (l.empty() ? prefix.substr(0, prefix.find_last_not_of(' ') + 1) : prefix + l) + "\n";
   return out;
 }
 
