@@ -174,7 +174,8 @@ std::string record(Camera& cam, const Step& step) {
   std::istringstream words(step.command);
   for (std::string w; words >> w;) args.push_back(w);
   RunResult r = cam.run(args);
-  std::string out = "# " + step.title + "\n$ onvifCtrl " + step.command + "\n";
+  std::string out = "# " + step.title + "\n$ onvifCtrl";
+  out += (step.command.empty() ? "" : " ") + step.command + "\n";
   if (r.status != 0) out += "exit " + std::to_string(r.status) + "\n";
   out += prefixed("> ", replaceAll(r.out, cam.root(), ""));
   out += fileChanges(filesBefore, files(cam));
