@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <map>
+#include <regex>
 #include <sstream>
 
 #include "host_shm.h"
@@ -25,6 +26,12 @@ std::string slurp(const std::string& path) {
   return s.str();
 }
 
+// The DebugLog's lines start with the time of day: "hh:mm:ss" stands for it.
+std::string withoutTimes(const std::string& log) {
+  static const std::regex time("^[0-2][0-9]:[0-5][0-9]:[0-6][0-9] ", std::regex::multiline);
+  return std::regex_replace(log, time, "hh:mm:ss ");
+}
+
 // Regular files under `dir`, except the kit's own folders at the root.
 void walk(const std::string& root, const std::string& dir, Tree& tree) {
   DIR* d = opendir((root + dir).c_str());
@@ -37,7 +44,10 @@ void walk(const std::string& root, const std::string& dir, Tree& tree) {
     struct stat st {};
     if (lstat((root + path).c_str(), &st) != 0) continue;
     if (S_ISDIR(st.st_mode)) walk(root, path, tree);
-    if (S_ISREG(st.st_mode)) tree[path] = slurp(root + path);
+    if (S_ISREG(st.st_mode)) {
+      tree[path] =
+          path == "/tmp/onvif/DebugLog" ? withoutTimes(slurp(root + path)) : slurp(root + path);
+    }
   }
   closedir(d);
 }
