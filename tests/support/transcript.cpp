@@ -32,6 +32,12 @@ std::string withoutTimes(const std::string& log) {
   return std::regex_replace(log, time, "hh:mm:ss ");
 }
 
+// The build time that -i 0 prints stands as "Mmm dd yyyy hh:mm:ss".
+std::string withoutBuildTime(const std::string& out) {
+  static const std::regex time("ONVIFCTRL_BuildTime=[A-Z][a-z]{2} [ 1-3][0-9] [0-9]{4} [0-9:]{8}");
+  return std::regex_replace(out, time, "ONVIFCTRL_BuildTime=Mmm dd yyyy hh:mm:ss");
+}
+
 // Regular files under `dir`, except the kit's own folders at the root.
 void walk(const std::string& root, const std::string& dir, Tree& tree) {
   DIR* d = opendir((root + dir).c_str());
@@ -187,7 +193,7 @@ std::string record(Camera& cam, const Step& step) {
   std::string out = "# " + step.title + "\n$ onvifCtrl";
   out += (step.command.empty() ? "" : " ") + step.command + "\n";
   if (r.status != 0) out += "exit " + std::to_string(r.status) + "\n";
-  out += prefixed("> ", replaceAll(r.out, cam.root(), ""));
+  out += prefixed("> ", withoutBuildTime(replaceAll(r.out, cam.root(), "")));
   out += fileChanges(filesBefore, files(cam));
   out += slotChanges(slotsBefore, slots(cam));
   for (const std::string& command : cam.shellTrace()) out += "sh: " + command + "\n";

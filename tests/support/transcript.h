@@ -5,7 +5,8 @@
 // file under the root it created ("+"), changed ("~", as a line diff) or
 // removed ("-"), the slots whose values changed and the cp and rm commands it
 // ran ("sh: "). A file with the same text as one listed before it in the step
-// is shown as "= path: as other". The expected transcript of a test is the
+// is shown as "= path: as other". Times of day in the DebugLog and the build
+// time are shown as their formats. The expected transcript of a test is the
 // file tests/golden/<Suite>.<Test>.result.
 #pragma once
 
