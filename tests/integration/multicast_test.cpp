@@ -45,8 +45,7 @@ TEST(Multicast, PlatformsBranchesAndVariants) {
       {6, 0, 8, "0000", "multicast off", kVariable, "root.Variable.Videoprotocol=3\n"},
       {1, 0, 8, "0000", "without the variables", kVariable},
       {7, 0, 8, "0000", "an unknown platform"},
-      {6, 0, 8, "0000", "without the network settings", "/etc/sysconfig/network.conf"},
-  };
+      {6, 0, 8, "0000", "without the network settings", "/etc/sysconfig/network.conf"}};
   const char* codecs[] = {"H264\nChannel=1", "H264\nChannel=2", "JPEG\nChannel=1",
                           "MPEG4\nChannel=1"};
   const Slot enables[] = {Slot::ONVIF_RESOLUTION_H264, Slot::ONVIF_RESOLUTION_H264_2,

@@ -33,8 +33,7 @@ TEST(Presets, SetAndDeleteSourcesLabelsAndSilentFailures) {
       {2, 0, "delete: preset 11 stays", kPtz, "x\n", "-q 1"},
       {2, 0, "no label for the preset", kPtz, "root.PTZ.PresetPos.P5.Label=Gate\n", "-p 15"},
       {2, 0, "no PTZ settings", kPtz, std::nullopt, "-p 5"},
-      {2, 0, "no preset list", kPresets, std::nullopt, "-p 5"},
-  };
+      {2, 0, "no preset list", kPresets, std::nullopt, "-p 5"}};
   testkit::Camera cam;
   cam.startServer();
   testkit::Files start = {{kPresets,

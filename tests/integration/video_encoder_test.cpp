@@ -137,35 +137,33 @@ TEST(VideoSync, MissingFiles) {
     const char* command;
     std::string path;
     std::optional<std::string> text = std::nullopt;  // the file's text instead, if any
-  } cases[] = {
-      {6, 0, "-u 2", kApp},
-      {6, 0, "-u 2", list},
-      {6, 0, "-u 2", second},
-      {1, 0, "-u 2", second},
-      {1, 12, "-u 2", t + "VideoEncoder1.VEncoder"},
-      {1, 12, "-u 2", list},
-      {6, 0, "-u 2", t + "Profiles.conf"},
-      {6, 0, "-u 2", t + "Profiles.conf",
-       "profile filename=Profile9.profile\nprofile filename=Profile1.profile\n"
-       "profile filename=Profile2.profile\n"},
-      {6, 0, "-u 5", "/etc/sysconfig/framerate.conf"},
-      {6, 0, "-u 5", second},
-      {1, 0, "-u 5", second},
-      {1, 0, "-u 6", list},
-      {6, 0, "-u 15", kApp},
-      {6, 0, "-u 15", second},
-      {6, 0, "-u 19", kApp},
-      {6, 0, "-u 19", second},
-      {6, 0, "-u 13", "/tmp/options.conf"},
-      {6, 0, "-u 13", d + "H264_2.VEOption"},
-      {6, 0, "-u 3", "/etc/sysconfig/image_source.conf"},
-      {6, 0, "-u 3", "/etc/sysconfig/ir.conf"},
-      {6, 0, "-u 3", t + "VideoSource1.VSource"},
-      {6, 0, "-u 3", d + "VideoSource.conf"},
-      {6, 0, "-u 7", t + "VideoSource1.VSConf"},
-      {6, 0, "-u 7", kApp},
-      {6, 0, "-u 10", "/etc/sysconfig/image_source.conf"},
-  };
+  } cases[] = {{6, 0, "-u 2", kApp},
+               {6, 0, "-u 2", list},
+               {6, 0, "-u 2", second},
+               {1, 0, "-u 2", second},
+               {1, 12, "-u 2", t + "VideoEncoder1.VEncoder"},
+               {1, 12, "-u 2", list},
+               {6, 0, "-u 2", t + "Profiles.conf"},
+               {6, 0, "-u 2", t + "Profiles.conf",
+                "profile filename=Profile9.profile\nprofile filename=Profile1.profile\n"
+                "profile filename=Profile2.profile\n"},
+               {6, 0, "-u 5", "/etc/sysconfig/framerate.conf"},
+               {6, 0, "-u 5", second},
+               {1, 0, "-u 5", second},
+               {1, 0, "-u 6", list},
+               {6, 0, "-u 15", kApp},
+               {6, 0, "-u 15", second},
+               {6, 0, "-u 19", kApp},
+               {6, 0, "-u 19", second},
+               {6, 0, "-u 13", "/tmp/options.conf"},
+               {6, 0, "-u 13", d + "H264_2.VEOption"},
+               {6, 0, "-u 3", "/etc/sysconfig/image_source.conf"},
+               {6, 0, "-u 3", "/etc/sysconfig/ir.conf"},
+               {6, 0, "-u 3", t + "VideoSource1.VSource"},
+               {6, 0, "-u 3", d + "VideoSource.conf"},
+               {6, 0, "-u 7", t + "VideoSource1.VSConf"},
+               {6, 0, "-u 7", kApp},
+               {6, 0, "-u 10", "/etc/sysconfig/image_source.conf"}};
   std::string text;
   for (const auto& c : cases) {
     Camera cam;

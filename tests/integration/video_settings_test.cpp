@@ -39,8 +39,7 @@ TEST(VideoImaging, ScalesModesAndSlotsPerDeviceType) {
       {1, 2, 0, -1,
        "WhiteBalance=manual WhiteBalance.Rgain=255 Brightness=10 ICR=off Exposure=manualpreset "
        "Exposure.ManualPreset.AGCGain=50 Wdr=7",
-       "root.IR.Mode=on\n"},
-  };
+       "root.IR.Mode=on\n"}};
   std::string text;
   for (const auto& c : cases) {
     Camera cam;

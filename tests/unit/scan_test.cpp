@@ -1,10 +1,10 @@
 // Scan patterns against the C library's sscanf, and where they must differ:
 // fields cut to their capacity and numbers clamped instead of overflowing.
+#include "conf/scan.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdio>
-
-#include "conf/scan.h"
 
 using conf::Field;
 using conf::scan;
@@ -34,8 +34,7 @@ TEST(ScanLine, OneTextValueAgreesWithSscanf) {
       {"  VideoEncoder1.VEncoder trailing\n", "%s\n"},
       {"\n", "%s\n"},
       {"", "%s\n"},
-      {"100%=x\n", "100%%=%s\n"},
-  };
+      {"100%=x\n", "100%%=%s\n"}};
   for (const TextCase& c : cases) {
     char expect[256] = {};
     int expectCount = std::sscanf(c.line, c.pattern, expect);
@@ -46,8 +45,14 @@ TEST(ScanLine, OneTextValueAgreesWithSscanf) {
 }
 
 TEST(ScanLine, AccountPatternsAgreeWithSscanf) {
-  const char* lines[] = {"admin:Administrator:secret\n", "admin:Administrator:\n", "admin::x\n",
-                         "garbage\n", ":User:pw\n", "a:b:c:d\n", "op:Operator:two words\n", ""};
+  const char* lines[] = {"admin:Administrator:secret\n",
+                         "admin:Administrator:\n",
+                         "admin::x\n",
+                         "garbage\n",
+                         ":User:pw\n",
+                         "a:b:c:d\n",
+                         "op:Operator:two words\n",
+                         ""};
   for (const char* line : lines) {
     char n[256] = "N", l[256] = "L", p[256] = "P";
     int expect = std::sscanf(line, "%[^:]:%[^:]:%s\n", n, l, p);
@@ -67,11 +72,14 @@ TEST(ScanLine, NumbersAgreeWithSscanfAndClamp) {
     const char* line;
     int count;
     int value;
-  } cases[] = {
-      {"root.X=42\n", 1, 42},         {"root.X=-7\n", 1, -7},  {"root.X=+3\n", 1, 3},
-      {"root.X= 12abc\n", 1, 12},     {"root.X=abc\n", 0, -1}, {"root.X=\n", -1, -1},
-      {"root.X=99999999999\n", 1, 2147483647},                 {"root.X=-99999999999\n", 1, -2147483647 - 1},
-  };
+  } cases[] = {{"root.X=42\n", 1, 42},
+               {"root.X=-7\n", 1, -7},
+               {"root.X=+3\n", 1, 3},
+               {"root.X= 12abc\n", 1, 12},
+               {"root.X=abc\n", 0, -1},
+               {"root.X=\n", -1, -1},
+               {"root.X=99999999999\n", 1, 2147483647},
+               {"root.X=-99999999999\n", 1, -2147483647 - 1}};
   for (const Case& c : cases) {
     int v = -1;
     EXPECT_EQ(scan(c.line, "root.X=%d\n", v), c.count) << c.line;
@@ -81,7 +89,8 @@ TEST(ScanLine, NumbersAgreeWithSscanfAndClamp) {
 
 TEST(ScanLine, LongValuesAreCutToCapacityMinusOne) {
   Field<8> shortField;
-  EXPECT_EQ(scan("root.Time.DST.Enabled=yesyesyesyes\n", "root.Time.DST.Enabled=%s\n", shortField), 1);
+  EXPECT_EQ(scan("root.Time.DST.Enabled=yesyesyesyes\n", "root.Time.DST.Enabled=%s\n", shortField),
+            1);
   EXPECT_STREQ(shortField.c_str(), "yesyesy");
 
   // The whole run is consumed, so the next field starts where sscanf's would.
