@@ -26,7 +26,8 @@ TEST(OnvifShm, CreatesTheBlockTheToolAttaches) {
   std::vector<std::string> dump = splitLines(cam.runShm({"dump"}).out);
   EXPECT_EQ(dump.size(), shm::kSlotNameCount);
   bool found = false;
-  for (const std::string& l : dump) found = found || l.find("ONVIF_DEBUG_LOG ") != std::string::npos;
+  for (const std::string& l : dump)
+    found = found || l.find("ONVIF_DEBUG_LOG ") != std::string::npos;
   EXPECT_TRUE(found);
   EXPECT_EQ(cam.runShm({"get", "ONVIF_DEBUG_LOG"}).out, "-5\n");
   EXPECT_EQ(splitLines(cam.runShm({"dump", "--all"}).out).size(), 1001u);
@@ -40,9 +41,12 @@ TEST(OnvifShm, RejectsWhatItCannotSet) {
   Camera cam;
   cam.startServer();
   for (const std::vector<std::string>& args :
-       std::vector<std::vector<std::string>>{{"set", "NO_SUCH_SLOT", "1"}, {"set", "1001", "1"},
-                                             {"set", "ONVIF_BRAND", "x"}, {"set", "ONVIF_BRAND", "4294967296"},
-                                             {"get", "-1"}, {"bogus"}}) {
+       std::vector<std::vector<std::string>>{{"set", "NO_SUCH_SLOT", "1"},
+                                             {"set", "1001", "1"},
+                                             {"set", "ONVIF_BRAND", "x"},
+                                             {"set", "ONVIF_BRAND", "4294967296"},
+                                             {"get", "-1"},
+                                             {"bogus"}}) {
     EXPECT_NE(cam.runShm(args).status, 0) << args[0] << " " << args[1];
   }
   EXPECT_EQ(cam.slot(Slot::ONVIF_BRAND), 0);
