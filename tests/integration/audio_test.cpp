@@ -8,7 +8,7 @@
 
 using shm::Slot;
 using testkit::Camera;
-using testkit::Step;
+using testkit::format;
 
 namespace {
 
@@ -18,32 +18,28 @@ const std::string kServer = "/home/ostrin2/StreamingServer/";
 // The legacy path drops a bit rate met before any codec line, but the codec
 // mark of one record carries over to the next; it keeps the codec.
 TEST(Audio, BitRateTableOnBothPaths) {
-  const std::pair<const char*, const char*> cases[] = {
-      // the token, the records' codec
-      {"16000", "G726"}, {"024000x", "G726"},    {"32000", "G726"},
-      {"40000", "G711"}, {"ulaw", "G711"},       {"alaw", "G711"},
-      {"alaw", "G726"},  {"aac_128000", "G711"}, {"ULAW", "G711"}};
-  std::vector<Step> steps;
-  for (auto [token, codec] : cases) {
-    for (int legacy : {0, 1}) {
-      const std::string record = std::string("Bitrate=9\nEncoding=") + codec + "\nN=%s\n";
-      steps.push_back(
-          {std::string(legacy ? "Legacy" : "Current") + " path, " + token + ", " + codec,
-           "-u 4",
-           {{Slot::ONVIF_AUDIO, 99},
-            {Slot::ONVIF_CHANGE_AUDIO, 99},
-            {Slot::ONVIF_DEVICE, legacy ? 0 : 6}},
-           {{"/etc/sysconfig/audio_source.conf", std::string("root.AudioSource.A0.BitRate=") +
-                                                     token +
-                                                     "\nroot.AudioSource.A0.OutputGain=77\n"},
-            {L + "AudioEncoder1.AEncoder", record},
-            {L + "AudioEncoder2.AEncoder", record}}});
-    }
-  }
+  const char* const cases[][2] = {// the token, the records' codec
+                                  {"16000", "G726"}, {"024000x", "G726"},    {"32000", "G726"},
+                                  {"40000", "G711"}, {"ulaw", "G711"},       {"alaw", "G711"},
+                                  {"alaw", "G726"},  {"aac_128000", "G711"}, {"ULAW", "G711"}};
   Camera cam;
   cam.startServer();
   cam.write(P + "AudioEncoder.conf", "AudioEncoder1.AEncoder\nAudioEncoder2.AEncoder x\n");
-  testkit::expectGolden(testkit::transcript(cam, steps));
+  testkit::Transcript t(cam);
+  for (const auto& [token, codec] : cases) {
+    for (int legacy : {0, 1}) {
+      const std::string record = format("Bitrate=9\nEncoding=%s\nN=%%s\n", codec);
+      t.run(format("%s path, %s, %s", legacy ? "Legacy" : "Current", token, codec), "-u 4",
+            {{Slot::ONVIF_AUDIO, 99},
+             {Slot::ONVIF_CHANGE_AUDIO, 99},
+             {Slot::ONVIF_DEVICE, legacy ? 0 : 6}},
+            {{"/etc/sysconfig/audio_source.conf",
+              format("root.AudioSource.A0.BitRate=%s\nroot.AudioSource.A0.OutputGain=77\n", token)},
+             {L + "AudioEncoder1.AEncoder", record},
+             {L + "AudioEncoder2.AEncoder", record}});
+    }
+  }
+  t.expectGolden();
 }
 
 // The streaming server's control program is told the back channels once per
@@ -59,33 +55,31 @@ TEST(Audio, CurrentPathProfilesBackChannelAndCounts) {
                {7, 0, 0, "half", "x"},          {8, 0, 0, "full", "x"},
                {4, 0, 0, "full", "x"},          {8, 44, 7, "disable", "disabled"},
                {4, 44, 6, "disable", "disable"}};
+  const std::string profile = "AudioSource=x\nAudioEncoder=x\nAudioOutput=x\nAudioDecoder=x\n";
   Camera cam("/tmp/onvifctrl audio $HOME-");  // the control program's path needs quoting
   cam.startServer({{Slot::ONVIF_DEVICE, 6}});
   cam.write(kServer + "streamctl",
             "#!/bin/sh\nfor a; do printf '[%s]' \"$a\"; done >> \"$0.log\"\necho >> \"$0.log\"\n");
   chmod(cam.host(kServer + "streamctl").c_str(), 0755);
-  std::vector<Step> steps;
+  testkit::Transcript t(cam);
   for (const auto& c : cases) {
-    const std::string profile = "AudioSource=x\nAudioEncoder=x\nAudioOutput=x\nAudioDecoder=x\n";
-    steps.push_back(
-        {"Layout " + std::to_string(c.layout) + ", brand " + std::to_string(c.brand) + ", region " +
-             std::to_string(c.region) + ", " + c.duplex + " duplex, storage " +
-             (c.storage ? c.storage : "unset"),
-         "-u 4",
-         {{Slot::ONVIF_MULTIPLE_STREAM, c.layout},
-          {Slot::ONVIF_BRAND, c.brand},
-          {Slot::BRAND_REGION, c.region}},
-         {{"/etc/sysconfig/audio.conf",
-           std::string("root.Audio.DuplexMode=") + c.duplex + "\n" +
-               (c.storage ? std::string("root.Audio.StorageRecording=") + c.storage : "")},
-          {L + "Profiles.conf",
-           "profile filename=P1\nprofile filename=Gone\nprofile filename=P2\n"},
-          {L + "P1", profile},
-          {L + "P2", profile},
-          {kServer + "streamctl.log", {}},
-          {"/tmp/onvif_error", {}}}});
+    t.run(
+        format("Layout %d, brand %d, region %d, %s duplex, storage %s", c.layout, c.brand, c.region,
+               c.duplex, c.storage ? c.storage : "unset"),
+        "-u 4",
+        {{Slot::ONVIF_MULTIPLE_STREAM, c.layout},
+         {Slot::ONVIF_BRAND, c.brand},
+         {Slot::BRAND_REGION, c.region}},
+        {{"/etc/sysconfig/audio.conf",
+          format("root.Audio.DuplexMode=%s\n", c.duplex) +
+              (c.storage ? format("root.Audio.StorageRecording=%s", c.storage) : "")},
+         {L + "Profiles.conf", "profile filename=P1\nprofile filename=Gone\nprofile filename=P2\n"},
+         {L + "P1", profile},
+         {L + "P2", profile},
+         {kServer + "streamctl.log", {}},
+         {"/tmp/onvif_error", {}}});
   }
-  testkit::expectGolden(testkit::transcript(cam, steps));
+  t.expectGolden();
 }
 
 // Profile C is judged by B's encoder (its audio line comes first); E's
@@ -94,23 +88,20 @@ TEST(Audio, StreamServerSwitchesBindTheAudioEncoder) {
   const std::string conf = kServer + "StreamServer.conf";
   Camera cam;
   cam.startServer({{Slot::ONVIF_DEVICE, 6}, {Slot::ONVIF_BRAND, 40}});
-  testkit::expectGolden(testkit::transcript(
-      cam, {{"H.264 streams 1 on and 2 off, JPEG on",
-             "-u 4",
-             {},
-             {{conf, "h264_1_audio_enable=on\nh264_2_audio_enable=off\njpeg_1_audio_enable=on\n"},
-              {L + "Profiles.conf",
-               "profile filename=A\nprofile filename=B\nprofile filename=C\nprofile filename=D\n"
-               "profile filename=E\n"},
-              {L + "A", "VideoEncoder=VideoEncoder1\nAudioEncoder=x\n"},
-              {L + "B", "VideoEncoder=VideoEncoder2\nAudioEncoder=x\n"},
-              {L + "C", "AudioEncoder=x\nVideoEncoder=VideoEncoder4\n"},
-              {L + "D", "VideoEncoder=VideoEncoder4\nAudioEncoder=x\n"},
-              {L + "E", "VideoEncoder=Gone\nAudioEncoder=x\n"}}},
-            {"Without the files",
-             "-u 4",
-             {},
-             {{conf, {}}, {L + "Profiles.conf", {}}, {P + "AudioEncoder.conf", {}}}}}));
+  testkit::Transcript t(cam);
+  t.run("H.264 streams 1 on and 2 off, JPEG on", "-u 4", {},
+        {{conf, "h264_1_audio_enable=on\nh264_2_audio_enable=off\njpeg_1_audio_enable=on\n"},
+         {L + "Profiles.conf",
+          "profile filename=A\nprofile filename=B\nprofile filename=C\nprofile filename=D\n"
+          "profile filename=E\n"},
+         {L + "A", "VideoEncoder=VideoEncoder1\nAudioEncoder=x\n"},
+         {L + "B", "VideoEncoder=VideoEncoder2\nAudioEncoder=x\n"},
+         {L + "C", "AudioEncoder=x\nVideoEncoder=VideoEncoder4\n"},
+         {L + "D", "VideoEncoder=VideoEncoder4\nAudioEncoder=x\n"},
+         {L + "E", "VideoEncoder=Gone\nAudioEncoder=x\n"}});
+  t.run("Without the files", "-u 4", {},
+        {{conf, {}}, {L + "Profiles.conf", {}}, {P + "AudioEncoder.conf", {}}});
+  t.expectGolden();
 }
 
 }  // namespace

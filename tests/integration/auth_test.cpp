@@ -17,27 +17,26 @@ TEST(Auth, PasswordCheckSwitchesBothCopiesAndTheSlot) {
                                 {"/usr/apache/htdocs/onvif/onvif.conf", "stale\n"}};
   testkit::Camera cam;
   cam.startServer({{Slot::ONVIF_CHECK_PASSWORD, 7}});
-  testkit::expectGolden(testkit::transcript(
-      cam, {{"On", "-a 1", {}, files},
-            {"Off", "-a 0", {}, files},
-            {"Off without the live copy", "-a 0", {{Slot::ONVIF_CHECK_PASSWORD, 7}}, {{kLive, {}}}},
-            {"On without the live copy", "-a 1"}}));
+  testkit::Transcript t(cam);
+  t.run("On", "-a 1", {}, files);
+  t.run("Off", "-a 0", {}, files);
+  t.run("Off without the live copy", "-a 0", {{Slot::ONVIF_CHECK_PASSWORD, 7}}, {{kLive, {}}});
+  t.run("On without the live copy", "-a 1");
+  t.expectGolden();
 }
 
 TEST(Auth, AdministratorName) {
   const std::string envir = "/tmp/envir.sh", conf = "/tmp/onvif/tmp/administrator.conf";
   testkit::Camera cam;
   cam.startServer();
-  testkit::expectGolden(testkit::transcript(
-      cam,
-      {{"The first export, one word",
-        "-a 2",
-        {},
+  testkit::Transcript t(cam);
+  t.run("The first export, one word", "-a 2", {},
         {{envir, "export PATH=/bin\nexport Administrator=root2 x\nexport Administrator=late\n"},
-         {conf, "old\n"}}},
-       {"No export of the name", "-a 2", {}, {{envir, "export PATH=/bin\n"}, {conf, "old\n"}}},
-       {"An empty name", "-a 2", {}, {{envir, "export Administrator=\n"}}},
-       {"No environment file", "-a 2", {}, {{envir, {}}}}}));
+         {conf, "old\n"}});
+  t.run("No export of the name", "-a 2", {}, {{envir, "export PATH=/bin\n"}, {conf, "old\n"}});
+  t.run("An empty name", "-a 2", {}, {{envir, "export Administrator=\n"}});
+  t.run("No environment file", "-a 2", {}, {{envir, {}}});
+  t.expectGolden();
 }
 
 // -u 21: discovery and authentication; -u 22: settings protection; the last
@@ -53,19 +52,19 @@ TEST(Auth, WebSwitchesSetCheckingDiscoveryAndProtection) {
                                       {Slot::ONVIF_SETTING_CTRL, 5}};
   testkit::Camera cam;
   cam.startServer();
-  testkit::expectGolden(testkit::transcript(
-      cam,
-      {{"On", "-u 21", marked, {{net, discovery + "yes\n" + check + "enable\n"}}},
-       {"Off", "-u 21", marked, {{net, discovery + "no\n" + check + "disabled\n"}}},
-       {"Any word but yes", "-u 21", marked, {{net, discovery + "none\n" + check + "disable\n"}}},
-       {"The last line", "-u 21", marked, {{net, discovery + "no\n" + discovery + "yes\n"}}},
-       {"A key after other text", "-u 21", marked, {{net, "x " + check + "disable\n"}}},
-       {"No network settings", "-u 21", marked, {{net, {}}}},
-       {"Protection off", "-u 22", marked, {{onvif, setting + "off\n"}}},
-       {"A word starting with off", "-u 22", marked, {{onvif, setting + "offline\n"}}},
-       {"Protection on", "-u 22", marked, {{onvif, setting + "on\n"}}},
-       {"The last line", "-u 22", marked, {{onvif, setting + "off\n" + setting + "on\n"}}},
-       {"No settings", "-u 22", marked, {{onvif, {}}}}}));
+  testkit::Transcript t(cam);
+  t.run("On", "-u 21", marked, {{net, discovery + "yes\n" + check + "enable\n"}});
+  t.run("Off", "-u 21", marked, {{net, discovery + "no\n" + check + "disabled\n"}});
+  t.run("Any word but yes", "-u 21", marked, {{net, discovery + "none\n" + check + "disable\n"}});
+  t.run("The last line", "-u 21", marked, {{net, discovery + "no\n" + discovery + "yes\n"}});
+  t.run("A key after other text", "-u 21", marked, {{net, "x " + check + "disable\n"}});
+  t.run("No network settings", "-u 21", marked, {{net, {}}});
+  t.run("Protection off", "-u 22", marked, {{onvif, setting + "off\n"}});
+  t.run("A word starting with off", "-u 22", marked, {{onvif, setting + "offline\n"}});
+  t.run("Protection on", "-u 22", marked, {{onvif, setting + "on\n"}});
+  t.run("The last line", "-u 22", marked, {{onvif, setting + "off\n" + setting + "on\n"}});
+  t.run("No settings", "-u 22", marked, {{onvif, {}}});
+  t.expectGolden();
 }
 
 TEST(Auth, ProfileQLeavesTheFactoryStateOnlyOnce) {
@@ -73,17 +72,13 @@ TEST(Auth, ProfileQLeavesTheFactoryStateOnlyOnce) {
   const Slot q = Slot::PROFILE_Q_AUTHENTICATION;
   testkit::Camera cam;
   cam.startServer();
-  testkit::expectGolden(testkit::transcript(
-      cam,
-      {{"The factory state", "-u 23", {}, {{setting, "A=1\nProfileQ_FactoryDefaultState=true\n"}}},
-       {"Once left, the file stays",
-        "-u 23",
-        {{q, 5}},
-        {{setting, "ProfileQ_FactoryDefaultState=true\n"}}},
-       {"No file",
-        "-u 23",
-        {{q, 0}},
-        {{setting, {}}, {"/tmp/onvif/tmp/WS_ProfileQ_Authentication_Setting", {}}}}}));
+  testkit::Transcript t(cam);
+  t.run("The factory state", "-u 23", {}, {{setting, "A=1\nProfileQ_FactoryDefaultState=true\n"}});
+  t.run("Once left, the file stays", "-u 23", {{q, 5}},
+        {{setting, "ProfileQ_FactoryDefaultState=true\n"}});
+  t.run("No file", "-u 23", {{q, 0}},
+        {{setting, {}}, {"/tmp/onvif/tmp/WS_ProfileQ_Authentication_Setting", {}}});
+  t.expectGolden();
 }
 
 }  // namespace

@@ -50,22 +50,19 @@ TEST(Defaults, SoftResetRunsItsCommandsInOrder) {
   const Slot brand = Slot::ONVIF_BRAND;
   testkit::Camera cam;
   cam.startServer();
-  testkit::expectGolden(testkit::transcript(
-      cam, {{"Brand 0", "-s 3", {{brand, 0}}, persistent()},
-            {"Brand 42 restores the PTZ moves", "-s 3", {{brand, 42}}, persistent()},
-            {"Brand 16 restores the presets", "-s 3", {{brand, 16}}, persistent()},
-            {"Brand 62 too", "-s 3", {{brand, 62}}, persistent()},
-            {"Without the brand file the default keeps its scopes",
-             "-s 3",
-             {{brand, 0}},
-             with(persistent(), {{"/etc/sysconfig/brand.conf", {}}})},
-            {"Record names from the list are one shell word each",
-             "-s 3",
-             {},
-             with(persistent(),
-                  {{D + "Profiles.conf",
-                    "profile filename=x;touch${IFS}pwned\nprofile filename=$(touch${IFS}pwned2)\n"},
-                   {D + "x;touch${IFS}pwned", "gone\n"}})}}));
+  testkit::Transcript t(cam);
+  t.run("Brand 0", "-s 3", {{brand, 0}}, persistent());
+  t.run("Brand 42 restores the PTZ moves", "-s 3", {{brand, 42}}, persistent());
+  t.run("Brand 16 restores the presets", "-s 3", {{brand, 16}}, persistent());
+  t.run("Brand 62 too", "-s 3", {{brand, 62}}, persistent());
+  t.run("Without the brand file the default keeps its scopes", "-s 3", {{brand, 0}},
+        with(persistent(), {{"/etc/sysconfig/brand.conf", {}}}));
+  t.run("Record names from the list are one shell word each", "-s 3", {},
+        with(persistent(),
+             {{D + "Profiles.conf",
+               "profile filename=x;touch${IFS}pwned\nprofile filename=$(touch${IFS}pwned2)\n"},
+              {D + "x;touch${IFS}pwned", "gone\n"}}));
+  t.expectGolden();
   EXPECT_EQ(access("pwned", F_OK), -1);
   EXPECT_EQ(access("pwned2", F_OK), -1);
 }
@@ -73,16 +70,13 @@ TEST(Defaults, SoftResetRunsItsCommandsInOrder) {
 TEST(Defaults, HardResetRemovesEveryRecordThenRestoresTheShippedOnes) {
   testkit::Camera cam;
   cam.startServer({{Slot::ONVIF_BRAND, 62}});
-  testkit::expectGolden(testkit::transcript(
-      cam, {{"Records no list names go too",
-             "-s 4",
-             {},
-             with(persistent(),
-                  {{D + "Stray.VEncoder", "not listed\n"}, {D + "Stray.PTZConf", "not listed\n"}})},
-            {"Without the default file nothing is stamped",
-             "-s 4",
-             {},
-             with(persistent(), {{D + "onvif.conf.default", {}}})}}));
+  testkit::Transcript t(cam);
+  t.run("Records no list names go too", "-s 4", {},
+        with(persistent(),
+             {{D + "Stray.VEncoder", "not listed\n"}, {D + "Stray.PTZConf", "not listed\n"}}));
+  t.run("Without the default file nothing is stamped", "-s 4", {},
+        with(persistent(), {{D + "onvif.conf.default", {}}}));
+  t.expectGolden();
 }
 
 }  // namespace

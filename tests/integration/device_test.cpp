@@ -5,7 +5,7 @@
 #include "transcript.h"
 
 using shm::Slot;
-using testkit::Step;
+using testkit::format;
 
 namespace {
 
@@ -15,47 +15,41 @@ const std::string kPtz = "FixedScopes=onvif://www.onvif.org/type/ptz\n";
 
 // Brand 40 binds the profiles to PTZConf1 and saves the zoom-focus support
 // while RS-485 is off; other brands only save it. A second run finds the
-// scope as asked and leaves the files alone.
+// scope as asked and leaves the files alone. Missing files are logged and
+// skipped; a profile name from the list is one shell word.
 TEST(Device, RS485ControlSetsPanTiltZoomScopeAndProfiles) {
-  const struct {
-    int brand, on, zf, saved;
-  } cases[] = {{40, 0, 5, 3}, {40, 0, 0, 3}, {40, 1, 0, 4}, {40, 1, 2, 4},
-               {0, 0, 5, 0},  {0, 0, 5, 3},  {0, 1, 0, 9},  {0, 2, 2, 9}};
+  const int cases[][4] = {{40, 0, 5, 3}, {40, 0, 0, 3}, {40, 1, 0, 4}, {40, 1, 2, 4},
+                          {0, 0, 5, 0},  {0, 0, 5, 3},  {0, 1, 0, 9},  {0, 2, 2, 9}};
   const std::string on = "A=%s\n" + kStreaming + "B=1\n" + kStreaming;
   const std::string off = "A=%s\n" + kStreaming + kPtz + "B=1\n" + kPtz;
-  std::vector<Step> steps;
-  for (const auto& c : cases) {
-    steps.push_back({"Brand " + std::to_string(c.brand) + ", switch " + std::to_string(c.on) +
-                         ", zoom-focus support " + std::to_string(c.zf) + ", saved " +
-                         std::to_string(c.saved),
-                     "-u 11",
-                     {{Slot::ONVIF_BRAND, c.brand},
-                      {Slot::ONVIF_ZF_SUPPORT, c.zf},
-                      {Slot::ONVIF_ZF_SUPPORT_BAKEUP, c.saved}},
-                     {{kRs485, "root.RS485Control.Switch=" + std::to_string(c.on)},
-                      {kLive, c.on ? on : off},
-                      {"/tmp/onvif/Profile4.profile", "Name=P\nPTZ=x\n"}}});
-    steps.push_back({"Again", "-u 11"});
-  }
-  // Missing files are logged and skipped; a profile name from the list is
-  // one shell word.
   const std::string odd = "/tmp/onvif/P;$(touch${IFS}pwned)'.profile";
   const std::string list = "/tmp/onvif/Profiles.conf";
-  steps.push_back({"Without onvif.conf, and a hostile profile name",
-                   "-u 11",
-                   {{Slot::ONVIF_BRAND, 40}},
-                   {{kLive, {}},
-                    {list, "profile filename=Gone.profile\nprofile filename=" + odd.substr(11)},
-                    {odd, "PTZ=NONE\nxPTZ=y\n"}}});
-  steps.push_back({"Without the profile list", "-u 11", {}, {{list, {}}}});
-  steps.push_back(
-      {"Without the RS-485 settings", "-u 11", {{Slot::ONVIF_PT_SUPPORT, 7}}, {{kRs485, {}}}});
   testkit::Camera cam;
   cam.startServer();
-  testkit::expectGolden(testkit::transcript(cam, steps));
+  testkit::Transcript t(cam);
+  for (const auto& [brand, switched, zf, saved] : cases) {
+    t.run(
+        format("Brand %d, switch %d, zoom-focus support %d, saved %d", brand, switched, zf, saved),
+        "-u 11",
+        {{Slot::ONVIF_BRAND, brand},
+         {Slot::ONVIF_ZF_SUPPORT, zf},
+         {Slot::ONVIF_ZF_SUPPORT_BAKEUP, saved}},
+        {{kRs485, format("root.RS485Control.Switch=%d", switched)},
+         {kLive, switched ? on : off},
+         {"/tmp/onvif/Profile4.profile", "Name=P\nPTZ=x\n"}});
+    t.run("Again", "-u 11");
+  }
+  t.run("Without onvif.conf, and a hostile profile name", "-u 11", {{Slot::ONVIF_BRAND, 40}},
+        {{kLive, {}},
+         {list, "profile filename=Gone.profile\nprofile filename=" + odd.substr(11)},
+         {odd, "PTZ=NONE\nxPTZ=y\n"}});
+  t.run("Without the profile list", "-u 11", {}, {{list, {}}});
+  t.run("Without the RS-485 settings", "-u 11", {{Slot::ONVIF_PT_SUPPORT, 7}}, {{kRs485, {}}});
+  t.expectGolden();
   EXPECT_FALSE(cam.exists("/pwned") || cam.exists("/tmp/onvif/pwned"));
 }
 
+// Bytes 0 and 3 of the streaming server's segment: the recording sources.
 TEST(Device, RecordingChannelsInTheStreamSegment) {
   testkit::FixedKeyLock lock;
   testkit::Camera cam;
@@ -92,23 +86,17 @@ TEST(Device, RecordingNames) {
   const Slot name = Slot::RECORDING_NAME_FORMAT, brand = Slot::ONVIF_BRAND;
   testkit::Camera cam;
   cam.startServer();
-  testkit::expectGolden(testkit::transcript(
-      cam,
-      {{"Without end time",
-        "-u 18",
-        {{brand, 5}, {name, 7}},
-        {{storage, f + "0"}, {rec, k + "O1\n" + six + "x" + k + "O2\n"}}},
-       {"Without the storage settings",
-        "-u 18",
-        {{name, 7}},
-        {{storage, {}}, {rec, k + "O1\n" + six}}},
-       {"With end time", "-u 18", {}, {{storage, f + "1"}, {rec, six}}},
-       {"Without the list", "-u 18", {}, {{rec, {}}}},
-       {"Brand 9 keeps V1",
-        "-u 18",
-        {{brand, 9}, {name, 7}},
-        {{storage, f + "0"}, {rec, six + k + "V1\n"}}},
-       {"A line holding two names", "-u 18", {}, {{rec, k + "V1\n" + k + "A1 " + k + "M1\n"}}}}));
+  testkit::Transcript t(cam);
+  t.run("Without end time", "-u 18", {{brand, 5}, {name, 7}},
+        {{storage, f + "0"}, {rec, k + "O1\n" + six + "x" + k + "O2\n"}});
+  t.run("Without the storage settings", "-u 18", {{name, 7}},
+        {{storage, {}}, {rec, k + "O1\n" + six}});
+  t.run("With end time", "-u 18", {}, {{storage, f + "1"}, {rec, six}});
+  t.run("Without the list", "-u 18", {}, {{rec, {}}});
+  t.run("Brand 9 keeps V1", "-u 18", {{brand, 9}, {name, 7}},
+        {{storage, f + "0"}, {rec, six + k + "V1\n"}});
+  t.run("A line holding two names", "-u 18", {}, {{rec, k + "V1\n" + k + "A1 " + k + "M1\n"}});
+  t.expectGolden();
 }
 
 // The alarm outputs' idle states (-u 12), the commands that only set a slot
@@ -139,38 +127,32 @@ TEST(Device, AlarmOutputsSlotSettingsAndSmartCompression) {
                    {Slot::PATH_DEVICE_IO, 7},
                    {Slot::SD_CARD_EVENT_INTERVAL, 7},
                    {io, 1}});
-  testkit::expectGolden(testkit::transcript(
-      cam,
-      {{"The idle state is the opposite of the active state",
-        "-u 12",
-        {},
-        outputs("closed", "open")},
-       {"The other way round", "-u 12", {}, outputs("open", "closed")},
-       {"Other words leave the outputs", "-u 12", {}, outputs("Closed", "")},
-       {"I/O type 5 reads IOPTZ.conf but names IO.conf when it is missing",
-        "-u 12",
-        {{io, 5}},
-        {{list + "PTZ.conf", {}}}},
-       {"I/O type 3 reads IOPTZ.conf", "-u 12", {{io, 3}}},
-       {"IPv6 on: the first line", "-u 20", {}, {{net, v6 + "yes\n" + v6 + "no"}}},
-       {"IPv6 off: any other word", "-u 20", {}, {{net, v6 + "YES"}}},
-       {"No IPv6 line", "-u 20", {{Slot::ONVIF_IPV6_STATUS, 7}}, {{net, "a=b"}}},
-       {"No network settings", "-u 20", {}, {{net, {}}}},
-       {"The device I/O path", "-u 32", {}, {{net, path + "deviceIO_service"}}},
-       {"Another device I/O path", "-u 32", {}, {{net, path + "deviceio"}}},
-       {"No network settings", "-u 32", {{Slot::PATH_DEVICE_IO, 7}}, {{net, {}}}},
-       {"The SD card interval: the last line", "-u 35", {}, {{clink, sd + "30\n" + sd + "45"}}},
-       {"A word is no interval", "-u 35", {}, {{clink, sd + "abc"}}},
-       {"No interval settings", "-u 35", {}, {{clink, {}}}},
-       {"Smart compression",
-        "-u 36",
-        {},
+  testkit::Transcript t(cam);
+  t.run("The idle state is the opposite of the active state", "-u 12", {},
+        outputs("closed", "open"));
+  t.run("The other way round", "-u 12", {}, outputs("open", "closed"));
+  t.run("Other words leave the outputs", "-u 12", {}, outputs("Closed", ""));
+  t.run("I/O type 5 reads IOPTZ.conf but names IO.conf when it is missing", "-u 12", {{io, 5}},
+        {{list + "PTZ.conf", {}}});
+  t.run("I/O type 3 reads IOPTZ.conf", "-u 12", {{io, 3}});
+  t.run("IPv6 on: the first line", "-u 20", {}, {{net, v6 + "yes\n" + v6 + "no"}});
+  t.run("IPv6 off: any other word", "-u 20", {}, {{net, v6 + "YES"}});
+  t.run("No IPv6 line", "-u 20", {{Slot::ONVIF_IPV6_STATUS, 7}}, {{net, "a=b"}});
+  t.run("No network settings", "-u 20", {}, {{net, {}}});
+  t.run("The device I/O path", "-u 32", {}, {{net, path + "deviceIO_service"}});
+  t.run("Another device I/O path", "-u 32", {}, {{net, path + "deviceio"}});
+  t.run("No network settings", "-u 32", {{Slot::PATH_DEVICE_IO, 7}}, {{net, {}}});
+  t.run("The SD card interval: the last line", "-u 35", {}, {{clink, sd + "30\n" + sd + "45"}});
+  t.run("A word is no interval", "-u 35", {}, {{clink, sd + "abc"}});
+  t.run("No interval settings", "-u 35", {}, {{clink, {}}});
+  t.run("Smart compression", "-u 36", {},
         {{conf, "Smart_Compression_Enabled=x\n" + s1 + "Enabled=x\n" + s1 + "MaxGOP=x\n" + s2 +
                     "Enabled=x\n" + s2 + "MaxGOP=x"},
          {rate, key + "Mode.LBR.Auto=middle\n" + key + "VideoKeyFrameInterval.Mode=dynamic\n" +
                     key + "VideoKeyFrameInterval.Dynamic=60\n" + key +
-                    "_2VideoKeyFrameInterval.Mode=Dynamic\n"}}},
-       {"Smart compression without its files", "-u 36", {}, {{rate, {}}, {conf, {}}}}}));
+                    "_2VideoKeyFrameInterval.Mode=Dynamic\n"}});
+  t.run("Smart compression without its files", "-u 36", {}, {{rate, {}}, {conf, {}}});
+  t.expectGolden();
 }
 
 }  // namespace

@@ -59,7 +59,7 @@ TEST(Multicast, PlatformsBranchesAndVariants) {
   for (int k = 1; k <= 8; ++k)
     start.push_back({record(k), std::string("Encoding=") + codecs[(k - 1) % 4] +
                                     "\nMultiIPv4Address=o\nMultiPort=o\nMultiTTL=o\n"});
-  std::vector<testkit::Step> steps;
+  testkit::Transcript t(cam);
   for (const auto& c : cases) {
     testkit::SlotValues slots = {{Slot::ONVIF_DEVICE, c.device},
                                  {Slot::ONVIF_BRAND, c.brand},
@@ -68,12 +68,11 @@ TEST(Multicast, PlatformsBranchesAndVariants) {
     for (int i = 0; i < 4; ++i) slots.push_back({enables[i], c.enabled[i] - '0'});
     testkit::Files files = start;
     if (!c.path.empty()) files.push_back({c.path, c.text});
-    steps.push_back({"Device " + std::to_string(c.device) + ", brand " + std::to_string(c.brand) +
-                         ", layout " + std::to_string(c.layout) + ", enabled " + c.enabled + ": " +
-                         c.why,
-                     "-u 9", slots, files});
+    t.run(testkit::format("Device %d, brand %d, layout %d, enabled %s: %s", c.device, c.brand,
+                          c.layout, c.enabled, c.why),
+          "-u 9", slots, files);
   }
-  testkit::expectGolden(testkit::transcript(cam, steps));
+  t.expectGolden();
 }
 
 }  // namespace

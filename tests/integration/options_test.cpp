@@ -21,42 +21,43 @@ TEST(Options, BadAndAcceptedValues) {
   const char* const longer[] = {"--onvif_conf_update=37", "-u 4294967297", "--server_state=9",
                                 "--onvif_conf_update=0"};
   const Slot marker = static_cast<Slot>(shm::kMarkerSlot);
-  std::vector<testkit::Step> steps = {{"No arguments: silently", ""}};
-  for (const char* args : bad) steps.push_back({"Bad", args, {{marker, 0}}});
-  for (const char* args : good) steps.push_back({"Accepted", args, {{marker, 0}}});
-  for (const char* args : longer) steps.push_back({"Long names and values", args, {{marker, 0}}});
   Camera cam;
   cam.startServer();
-  testkit::expectGolden(testkit::transcript(cam, steps));
+  testkit::Transcript t(cam);
+  t.run("No arguments: silently", "");
+  for (const char* args : bad) t.run("Bad", args, {{marker, 0}});
+  for (const char* args : good) t.run("Accepted", args, {{marker, 0}});
+  for (const char* args : longer) t.run("Long names and values", args, {{marker, 0}});
+  t.expectGolden();
 }
 
 // The reset slot keeps its low byte and the server state is written back.
 TEST(Options, EarlierOptionsActAndSlotsAreWrittenBack) {
   const Slot reset = Slot::ONVIF_RESET, state = Slot::SERVER_STATE;
-  std::vector<testkit::Step> steps = {{"-u 27 acts, -s 0 never does, -u 98 is not reached",
-                                       "-u 27 -s 0 -u 37x -u 98",
-                                       {{Slot::ONVIF_AUDIO_SUPPORT, 1}, {state, 1}}}};
-  for (int value : {300, 255, -1, 256, 7})
-    steps.push_back({"Reset " + std::to_string(value), "-u 0", {{reset, value}, {state, 5}}});
-  steps.push_back({"Recording names with end time", "-t 1", {{Slot::RECORDING_NAME_FORMAT, 7}}});
-  steps.push_back({"Recording names without end time", "-t 2", {{Slot::RECORDING_NAME_FORMAT, 7}}});
-  steps.push_back({"The long name reaches -t only, not its later rows",
-                   "--onvif_ctrl=3",
-                   {{Slot::DEBUG_CELL_MOTION, 7}}});
-  steps.push_back({"Cell motion debugging off", "-t 4", {{Slot::DEBUG_CELL_MOTION, 7}}});
+  const Slot names = Slot::RECORDING_NAME_FORMAT, motion = Slot::DEBUG_CELL_MOTION;
   Camera cam;
   cam.startServer();
-  testkit::expectGolden(testkit::transcript(cam, steps));
+  testkit::Transcript t(cam);
+  t.run("-u 27 acts, -s 0 never does, -u 98 is not reached", "-u 27 -s 0 -u 37x -u 98",
+        {{Slot::ONVIF_AUDIO_SUPPORT, 1}, {state, 1}});
+  for (int value : {300, 255, -1, 256, 7})
+    t.run(testkit::format("Reset %d", value), "-u 0", {{reset, value}, {state, 5}});
+  t.run("Recording names with end time", "-t 1", {{names, 7}});
+  t.run("Recording names without end time", "-t 2", {{names, 7}});
+  t.run("The long name reaches -t only, not its later rows", "--onvif_ctrl=3", {{motion, 7}});
+  t.run("Cell motion debugging off", "-t 4", {{motion, 7}});
+  t.expectGolden();
 }
 
 // Without the block only -i, -t 0 and -r act, after the block's messages,
 // and a bad value still fails; a path without a segment is reported by shmget.
 TEST(Options, WithoutTheServerOnlyDiagnosticsAct) {
   Camera cam;
-  testkit::expectGolden(testkit::transcript(
-      cam, {{"Every option is checked", "-u 27 -u 1 -s 3 -t 3 -p 5 -q 5 -a 1 -d 1 -s 2 -i 0 -r 0"},
-            {"A bad value still fails", "-u 37"},
-            {"A path without a segment", "-r 0", {}, {{"/tmp/ONVIF_SHM/onvif", ""}}}}));
+  testkit::Transcript t(cam);
+  t.run("Every option is checked", "-u 27 -u 1 -s 3 -t 3 -p 5 -q 5 -a 1 -d 1 -s 2 -i 0 -r 0");
+  t.run("A bad value still fails", "-u 37");
+  t.run("A path without a segment", "-r 0", {}, {{"/tmp/ONVIF_SHM/onvif", ""}});
+  t.expectGolden();
 }
 
 TEST(Options, TimePrintUsesTheZoneSegment) {

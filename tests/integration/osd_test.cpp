@@ -4,7 +4,6 @@
 #include "transcript.h"
 
 using shm::Slot;
-using testkit::Step;
 
 namespace {
 
@@ -30,14 +29,13 @@ TEST(UpdateOsd, SampleThenDisabledRecordsAndSubtitles) {
   testkit::Camera cam;
   cam.startServer();
   const std::string sample = cam.read(kText);
-  testkit::expectGolden(testkit::transcript(
-      cam, {{"The sample rewrites the same files", "-u 16"},
-            {"Date off, subtitles on",
-             "-u 16",
-             {},
-             {{kText, settings(sample, {"DateEnabled=no", "SubtitleEnabled=yes",
-                                        "SubtitlePosition=bottomright", "Subtitle2=Gate 2",
-                                        "Subtitle5=Exit"})}}}}));
+  testkit::Transcript t(cam);
+  t.run("The sample rewrites the same files", "-u 16");
+  t.run("Date off, subtitles on", "-u 16", {},
+        {{kText,
+          settings(sample, {"DateEnabled=no", "SubtitleEnabled=yes", "SubtitlePosition=bottomright",
+                            "Subtitle2=Gate 2", "Subtitle5=Exit"})}});
+  t.expectGolden();
 }
 
 // The text record (OSDtoken3): positions, BT.601 colours, sizes, brands.
@@ -53,14 +51,13 @@ TEST(UpdateOsd, PositionsColoursSizesAndBrands) {
   testkit::Camera cam;
   cam.startServer();
   const std::string sample = cam.read(kText);
-  std::vector<Step> steps;
+  testkit::Transcript t(cam);
   for (const auto& [brand, changes] : cases) {
-    std::string title = "Brand " + std::to_string(brand) + ":";
+    std::string title = testkit::format("Brand %d:", brand);
     for (const std::string& c : changes) title += " " + c;
-    steps.push_back(
-        {title, "-u 16", {{Slot::ONVIF_BRAND, brand}}, {{kText, settings(sample, changes)}}});
+    t.run(title, "-u 16", {{Slot::ONVIF_BRAND, brand}}, {{kText, settings(sample, changes)}});
   }
-  testkit::expectGolden(testkit::transcript(cam, steps));
+  t.expectGolden();
 }
 
 // A token that is not a record name (nor the template) is replaced, never
@@ -70,19 +67,16 @@ TEST(UpdateOsd, Failures) {
   testkit::Camera cam;
   cam.startServer();
   const std::string sample = cam.read(kText);
-  testkit::expectGolden(testkit::transcript(
-      cam, {{"No text settings", "-u 16", {}, {{kText, {}}}},
-            {"The temporary file cannot be written",
-             "-u 16",
-             {},
-             {{kText, settings(sample, {"DateEnabled=no"})}, {kTemp + "/x", ""}}},
-            {"Tokens that are no record names",
-             "-u 16",
-             {},
-             {{kTemp, {}},
-              {kText, settings(sample, {"ClockEnabled=no"})},
-              {"/etc/keep.osdconf", "x\n"},
-              {kList, "OSDToken=../../../../etc/keep\nOSDToken=OSD\nOSDToken=NULL\n"}}}}));
+  testkit::Transcript t(cam);
+  t.run("No text settings", "-u 16", {}, {{kText, {}}});
+  t.run("The temporary file cannot be written", "-u 16", {},
+        {{kText, settings(sample, {"DateEnabled=no"})}, {kTemp + "/x", ""}});
+  t.run("Tokens that are no record names", "-u 16", {},
+        {{kTemp, {}},
+         {kText, settings(sample, {"ClockEnabled=no"})},
+         {"/etc/keep.osdconf", "x\n"},
+         {kList, "OSDToken=../../../../etc/keep\nOSDToken=OSD\nOSDToken=NULL\n"}});
+  t.expectGolden();
 }
 
 }  // namespace

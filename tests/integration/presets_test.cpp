@@ -40,17 +40,14 @@ TEST(Presets, SetAndDeleteSourcesLabelsAndSilentFailures) {
                            "preset1.token.name=YES,1,A\npreset5.token.name=\n"
                            "preset11.token.name=YES,11,B\npreset15.token.name=\n"}};
   for (const std::string& path : {kPtz, kFramed, kList}) start.push_back({path, cam.read(path)});
-  std::vector<testkit::Step> steps;
+  testkit::Transcript t(cam);
   for (const auto& c : cases) {
     testkit::Files files = start;
     files.push_back({c.path, c.text});
-    steps.push_back(
-        {"I/O type " + std::to_string(c.io) + ", brand " + std::to_string(c.brand) + ": " + c.why,
-         c.command,
-         {{Slot::ONVIF_IO_TYPE, c.io}, {Slot::ONVIF_BRAND, c.brand}},
-         files});
+    t.run(testkit::format("I/O type %d, brand %d: %s", c.io, c.brand, c.why), c.command,
+          {{Slot::ONVIF_IO_TYPE, c.io}, {Slot::ONVIF_BRAND, c.brand}}, files);
   }
-  testkit::expectGolden(testkit::transcript(cam, steps));
+  t.expectGolden();
 }
 
 // The state file says which tours are set; the create list is matched by
@@ -66,27 +63,24 @@ TEST(Presets, ToursFollowTheGuardTours) {
   const std::string record = "Name=T\nT1.PresetToken=9\nDirection=Forward\nT1.StayTime=PT9S\nA=1\n";
   testkit::Camera cam;
   cam.startServer();
-  testkit::expectGolden(testkit::transcript(
-      cam, {{"Tours 1, 3 and 4 set",
-             "-u 14",
-             {},
-             {{state,
-               "GuardTour1:set\nnoise\nGuardTour2:unset\nGuardTour3:set\nGuard4:set\n"
-               "Guard5:x\nGuard6:x\nGuard7:x\nGuard8:x\nGuard9:set\n"},
-              {create, list},
-              {"/etc/dynamic/guardtour1.conf",
-               "PresetNbr=1\nMoveSpeed=5\nWaitTime=300\nPresetNbr=2\nWaitTime=15\nPresetNbr=3\n"
-               "MoveSpeed=7\n"},
-              {"/etc/dynamic/guardtour3.conf", {}},
-              {"/etc/dynamic/guardtour4.conf", many},
-              {tour + "1.conf", record},
-              {tour + "3.conf", record},
-              {tour + "4.conf", record}}},
-            {"Without the create list and tour 1's record",
-             "-u 14",
-             {},
-             {{state, "GuardTour1:set\n"}, {create, {}}, {tour + "1.conf", {}}}},
-            {"Without the state file", "-u 14", {}, {{state, {}}}}}));
+  testkit::Transcript t(cam);
+  t.run("Tours 1, 3 and 4 set", "-u 14", {},
+        {{state,
+          "GuardTour1:set\nnoise\nGuardTour2:unset\nGuardTour3:set\nGuard4:set\n"
+          "Guard5:x\nGuard6:x\nGuard7:x\nGuard8:x\nGuard9:set\n"},
+         {create, list},
+         {"/etc/dynamic/guardtour1.conf",
+          "PresetNbr=1\nMoveSpeed=5\nWaitTime=300\nPresetNbr=2\nWaitTime=15\nPresetNbr=3\n"
+          "MoveSpeed=7\n"},
+         {"/etc/dynamic/guardtour3.conf", {}},
+         {"/etc/dynamic/guardtour4.conf", many},
+         {tour + "1.conf", record},
+         {tour + "3.conf", record},
+         {tour + "4.conf", record}});
+  t.run("Without the create list and tour 1's record", "-u 14", {},
+        {{state, "GuardTour1:set\n"}, {create, {}}, {tour + "1.conf", {}}});
+  t.run("Without the state file", "-u 14", {}, {{state, {}}});
+  t.expectGolden();
 }
 
 }  // namespace

@@ -37,22 +37,23 @@ TEST(RecordingControl, SummaryAndDatabase) {
   cam.startServer();
   cam.write("/usr/sbin/test_db", "#!/bin/sh\necho \"test_db mode=$mode\"\n");
   ASSERT_EQ(chmod(cam.host("/usr/sbin/test_db").c_str(), 0755), 0);
-  testkit::expectGolden(
-      testkit::transcript(cam, {{"The summary", "-r 3"},
-                                {"Without the summary's default file",
-                                 "-r 3",
-                                 {},
-                                 {{"/usr/apache/htdocs/onvif/Search_GetRecSum.conf.default", {}}}},
-                                {"The database is read by the camera's program", "-r 4"}}));
+  testkit::Transcript t(cam);
+  t.run("The summary", "-r 3");
+  t.run("Without the summary's default file", "-r 3", {},
+        {{"/usr/apache/htdocs/onvif/Search_GetRecSum.conf.default", {}}});
+  t.run("The database is read by the camera's program", "-r 4");
+  t.expectGolden();
 }
 
 // The self-tests run with the protect flag raised and record their number.
 TEST(CodecSelfTests, PrintTheirVectors) {
   Camera cam;
   cam.startServer({{Slot::WEB_SYNC_PROTECT, 1}});
-  testkit::expectGolden(testkit::transcript(cam, {{"PackBits decoding", "-u 99"},
-                                                  {"PackBits encoding", "-u 100"},
-                                                  {"Hexadecimal to binary", "-u 101"}}));
+  testkit::Transcript t(cam);
+  t.run("PackBits decoding", "-u 99");
+  t.run("PackBits encoding", "-u 100");
+  t.run("Hexadecimal to binary", "-u 101");
+  t.expectGolden();
 }
 
 }  // namespace

@@ -9,7 +9,6 @@
 
 using shm::Slot;
 using testkit::Camera;
-using testkit::record;
 
 namespace {
 
@@ -20,28 +19,22 @@ TEST(Rewrite, UnchangedLinesAndWritesThatFail) {
   const std::string off = "ONVIF_CheckPassword=false\n";
   Camera cam;
   cam.startServer({{Slot::ONVIF_CHECK_PASSWORD, 0}});
-  std::string text = testkit::transcript(
-      cam, {{"A line is written as its own format", "-a 1", {}, {{kLive, off + "Name=%s\n"}}},
-            {"One conversion yields at most 255 characters",
-             "-a 1",
-             {},
-             {{kLive, off + "W=%999999999d|\n"}}},
-            {"A carriage return stays", "-a 1", {}, {{kLive, off + "CR=value\r\n"}}},
-            {"An incomplete conversion at the end stays", "-a 1", {}, {{kLive, off + "End=50%"}}}});
+  testkit::Transcript t(cam);
+  t.run("A line is written as its own format", "-a 1", {}, {{kLive, off + "Name=%s\n"}});
+  t.run("One conversion yields at most 255 characters", "-a 1", {},
+        {{kLive, off + "W=%999999999d|\n"}});
+  t.run("A carriage return stays", "-a 1", {}, {{kLive, off + "CR=value\r\n"}});
+  t.run("An incomplete conversion at the end stays", "-a 1", {}, {{kLive, off + "End=50%"}});
   std::string big;
   for (int i = 0; i < 2000; ++i) big += "Line" + std::to_string(i) + "=value\n";
   cam.write(kLive, big + off);
   cam.remove(kTemp);
   ASSERT_EQ(symlink("/dev/full", cam.host(kTemp).c_str()), 0);
-  text += record(cam, {"A temporary file that cannot be written whole is not copied",
-                       "-a 1",
-                       {{Slot::ONVIF_CHECK_PASSWORD, 0}},
-                       {{kPersist, "persistent\n"}}});
-  text += record(cam, {"Without the temporary folder the targets stay",
-                       "-a 1",
-                       {},
-                       {{kLive, off}, {"/tmp/onvif/tmp", {}}}});
-  testkit::expectGolden(text);
+  t.run("A temporary file that cannot be written whole is not copied", "-a 1",
+        {{Slot::ONVIF_CHECK_PASSWORD, 0}}, {{kPersist, "persistent\n"}});
+  t.run("Without the temporary folder the targets stay", "-a 1", {},
+        {{kLive, off}, {"/tmp/onvif/tmp", {}}});
+  t.expectGolden();
 }
 
 TEST(Rewrite, LongLinesAndBinaryContent) {
@@ -64,9 +57,10 @@ TEST(Rewrite, LongLinesAndBinaryContent) {
 TEST(Rewrite, RootWithShellCharactersIsPassedAsOneWord) {
   Camera cam("/tmp/onvifctrl test;$(touch pwned)`touch pwned2`\"&-");
   cam.startServer();
-  testkit::expectGolden(testkit::transcript(
-      cam, {{"Both copies are written", "-a 1", {}, {{kLive, "ONVIF_CheckPassword=false\n"}}},
-            {"The missing file is logged", "-a 1", {}, {{kLive, {}}}}}));
+  testkit::Transcript t(cam);
+  t.run("Both copies are written", "-a 1", {}, {{kLive, "ONVIF_CheckPassword=false\n"}});
+  t.run("The missing file is logged", "-a 1", {}, {{kLive, {}}});
+  t.expectGolden();
   EXPECT_EQ(access("pwned", F_OK), -1);
   EXPECT_EQ(access("pwned2", F_OK), -1);
 }

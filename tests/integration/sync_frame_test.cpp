@@ -17,23 +17,23 @@ TEST(SyncFrame, ProtectFlagCommandNumberAndDebugLog) {
                                       {Slot::ONVIF_AUDIO_OUTPUT_SUPPORT, 5}};
   testkit::Camera cam;
   cam.startServer();
-  testkit::expectGolden(testkit::transcript(
-      cam, {{"PTZ control clears the flag and logs nothing", "-u 17", raised},
-            {"Audio off", "-u 27", raised},
-            {"Audio on", "-u 28", raised},
-            {"Firmware upgrade", "-u 30", raised},
-            {"Discovery", "-u 98", raised},
-            {"Event search waits, then clears the flag", "-u 33", {{protect, 0}}},
-            {"Standard commands raise the flag, record the number, log and clear it; the log "
-             "is appended to",
-             "-u 22 -u 21",
-             {{protect, 0}, {debug, 1}},
-             {{"/tmp/onvif/DebugLog", "00:00:00 earlier\n"}}},
-            {"Debug 0 logs nothing", "-u 27 -u 23", {{debug, 0}}, {{"/tmp/onvif/DebugLog", {}}}},
-            {"Nor does debug 2", "-u 28 -u 30", {{debug, 2}}},
-            {"Commands without a label log nothing", "-u 17 -u 33", {{debug, 1}}},
-            {"Commands that do not wait log too", "-u 98 -u 28", {{debug, 1}}},
-            {"Twice", "-u 30 -u 27", {{debug, 1}}}}));
+  testkit::Transcript t(cam);
+  t.run("PTZ control clears the flag and logs nothing", "-u 17", raised);
+  t.run("Audio off", "-u 27", raised);
+  t.run("Audio on", "-u 28", raised);
+  t.run("Firmware upgrade", "-u 30", raised);
+  t.run("Discovery", "-u 98", raised);
+  t.run("Event search waits, then clears the flag", "-u 33", {{protect, 0}});
+  t.run(
+      "Standard commands raise the flag, record the number, log and clear it; the log "
+      "is appended to",
+      "-u 22 -u 21", {{protect, 0}, {debug, 1}}, {{"/tmp/onvif/DebugLog", "00:00:00 earlier\n"}});
+  t.run("Debug 0 logs nothing", "-u 27 -u 23", {{debug, 0}}, {{"/tmp/onvif/DebugLog", {}}});
+  t.run("Nor does debug 2", "-u 28 -u 30", {{debug, 2}});
+  t.run("Commands without a label log nothing", "-u 17 -u 33", {{debug, 1}});
+  t.run("Commands that do not wait log too", "-u 98 -u 28", {{debug, 1}});
+  t.run("Twice", "-u 30 -u 27", {{debug, 1}});
+  t.expectGolden();
 }
 
 }  // namespace

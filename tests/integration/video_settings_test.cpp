@@ -8,7 +8,7 @@
 
 using shm::Slot;
 using testkit::Camera;
-using testkit::record;
+using testkit::format;
 
 namespace {
 
@@ -19,84 +19,74 @@ const std::string kApp = "/etc/sysconfig/image_appearance.conf";
 TEST(VideoImaging, ScalesModesAndSlotsPerDeviceType) {
   const struct {
     int device, io, brand, marker;
-    const char* settings;  // sensor keys, blank-separated
-    const char* ir;
+    const char *settings, *ir;  // sensor keys, blank-separated; the IR mode
   } cases[] = {
       {1, 1, 0, 0,
        "WhiteBalance=manual WhiteBalance.Rgain=255 WhiteBalance.Bgain=127 Backlight=on "
        "Brightness=128 Sharpness=15 Contrast=255 ColorLevel=0 Wdr=3 ICR=on Exposure=manual "
        "Exposure.ManualPreset.AGCGain=50 Flip=Image",
-       "root.IR.Mode=lightoff\n"},
+       "lightoff"},
       {2, 3, 0, 0,
        "WhiteBalance=manual25 WhiteBalance.Rgain=255 Backlight=off Brightness=63 Sharpness=8 "
        "Contrast=128 ColorLevel=255 Wdr=on ICR=off Exposure=auto Exposure.ManualPreset.AGCGain=0 "
        "Flip=image",
-       "root.IR.Mode=auto\n"},
+       "auto"},
       {4, 3, 42, 0,
        "Flip=Image WhiteBalance=ATW Backlight=dim Brightness=10 Sharpness=8 Contrast=10 "
        "ColorLevel=10 Wdr=3 ICR=smart Exposure=shutter Exposure.ManualPreset.AGCGain=10 Flip=None",
-       ""},
+       nullptr},
       {1, 2, 0, -1,
        "WhiteBalance=manual WhiteBalance.Rgain=255 Brightness=10 ICR=off Exposure=manualpreset "
        "Exposure.ManualPreset.AGCGain=50 Wdr=7",
-       "root.IR.Mode=on\n"}};
-  std::string text;
+       "on"}};
+  testkit::Transcript t;
   for (const auto& c : cases) {
     Camera cam;
-    cam.startServer({{Slot::ONVIF_DEVICE, c.device},
-                     {Slot::ONVIF_IO_TYPE, c.io},
-                     {Slot::ONVIF_BRAND, c.brand},
-                     {Slot::IMAGE_EXPOSURE_GAIN_MAX, 200},
-                     {Slot::IMAGE_EXPOSURE_MODE, c.marker},
-                     {Slot::IMAGE_BRIGHTNESS, c.marker},
-                     {Slot::IMAGE_SHARPNESS, c.marker},
-                     {Slot::IMAGE_CONTRAST, c.marker},
-                     {Slot::IMAGE_COLORLEVEL, c.marker},
-                     {Slot::ONVIF_IMAGE_FLIP, 5}});
+    cam.startServer({{Slot::IMAGE_EXPOSURE_GAIN_MAX, 200}, {Slot::ONVIF_IMAGE_FLIP, 5}});
     std::istringstream settings(c.settings);
     std::string sensor;
     for (std::string word; settings >> word;) sensor += "root.ImageSource.I0.Sensor." + word + "\n";
-    const std::string title = "Device " + std::to_string(c.device) + ", I/O type " +
-                              std::to_string(c.io) + ", brand " + std::to_string(c.brand);
-    text += record(
-        cam, {title,
-              "-u 3",
-              {},
-              {{"/etc/sysconfig/image_source.conf", sensor}, {"/etc/sysconfig/ir.conf", c.ir}}});
-    text += record(cam, {"The flip is \"Image\" exactly, on the first Flip line", "-u 10"});
+    const int m = c.marker;
+    t.on(cam).run(format("Device %d, I/O type %d, brand %d", c.device, c.io, c.brand), "-u 3",
+                  {{Slot::ONVIF_DEVICE, c.device},
+                   {Slot::ONVIF_IO_TYPE, c.io},
+                   {Slot::ONVIF_BRAND, c.brand},
+                   {Slot::IMAGE_EXPOSURE_MODE, m},
+                   {Slot::IMAGE_BRIGHTNESS, m},
+                   {Slot::IMAGE_SHARPNESS, m},
+                   {Slot::IMAGE_CONTRAST, m},
+                   {Slot::IMAGE_COLORLEVEL, m}},
+                  {{"/etc/sysconfig/image_source.conf", sensor},
+                   {"/etc/sysconfig/ir.conf", c.ir ? format("root.IR.Mode=%s\n", c.ir) : ""}});
+    t.run("The flip is \"Image\" exactly, on the first Flip line", "-u 10");
   }
-  testkit::expectGolden(text);
+  t.expectGolden();
 }
 
 TEST(VideoOrientation, RotationTable) {
   Camera cam;
   cam.startServer();
-  std::vector<testkit::Step> steps;
+  testkit::Transcript t(cam);
   for (const char* word : {"clockwise", "0", "rotate", "flip", "mirror", "counterclockwise",
                            "clockwise_mirror", "clockwise_flip", "upside_down"}) {
-    steps.push_back({std::string("Rotation ") + word,
-                     "-u 7",
-                     {},
-                     {{kApp, std::string("root.Image.I0.Appearance.Rotation=") + word + "\n"}}});
+    t.run(format("Rotation %s", word), "-u 7", {},
+          {{kApp, format("root.Image.I0.Appearance.Rotation=%s\n", word)}});
   }
-  steps.push_back({"Without the web file the slot's code is shown",
-                   "-u 7",
-                   {{Slot::ONVIF_ROTATE_MODE, 5}},
-                   {{kApp, {}}}});
-  testkit::expectGolden(testkit::transcript(cam, steps));
+  t.run("Without the web file the slot's code is shown", "-u 7", {{Slot::ONVIF_ROTATE_MODE, 5}},
+        {{kApp, {}}});
+  t.expectGolden();
 }
 
 // options.conf with a resolution list, a frame-rate ceiling and, per H.264
 // stream, a bitrate ceiling and a key-frame ceiling of a tenth of it.
 std::string options(const std::string& list, int fps) {
   std::string out = list.empty() ? "" : "root.Image.I0.Appearance.Resolution=" + list + "\n";
-  out += "root.Framerate.H264=1-" + std::to_string(fps) + "\n";
+  out += format("root.Framerate.H264=1-%d\n", fps);
   const std::pair<const char*, int> streams[] = {
       {"", 6000}, {"_2", 3000}, {"_3", 900}, {"_4", 500}};
   for (auto [s, b] : streams)
-    out += std::string("root.Image.I0.Appearance.H264") + s + "Bitrate=64-" + std::to_string(b) +
-           "\nroot.Image.I0.Appearance.H264" + s + "VideoKeyFrameInterval=2-" +
-           std::to_string(b / 10) + "\n";
+    out += format("root.Image.I0.Appearance.H264%sBitrate=64-%d\n", s, b) +
+           format("root.Image.I0.Appearance.H264%sVideoKeyFrameInterval=2-%d\n", s, b / 10);
   return out;
 }
 
@@ -110,31 +100,26 @@ TEST(VideoLimits, AvailableResolutionsAndChannelFiles) {
       {0,
        "vga,disable,disable,disable,disable&cif,vga,disable,disable,disable&a&"
        "vga,cif,vga,cif,disable"}};
-  std::string text;
+  testkit::Transcript t;
   for (auto [brand, list] : cases) {
     Camera cam;
-    cam.startServer({{Slot::ONVIF_BRAND, brand}});
-    text += record(cam, {"Brand " + std::to_string(brand) + ": " + list,
-                         "-u 13",
-                         {},
-                         {{"/tmp/options.conf", options(list, 25)}}});
+    cam.startServer();
+    t.on(cam).run(format("Brand %d: %s", brand, list), "-u 13", {{Slot::ONVIF_BRAND, brand}},
+                  {{"/tmp/options.conf", options(list, 25)}});
   }
-  testkit::expectGolden(text);
+  t.expectGolden();
 }
 
 TEST(VideoLimits, NothingToSync) {
   Camera cam;
   cam.startServer();
-  testkit::expectGolden(testkit::transcript(
-      cam, {{"No resolution list and no frame rate",
-             "-u 13",
-             {},
-             {{"/tmp/options.conf", options("", 0)}}},
-            {"The list cannot be written where a folder is",
-             "-u 13",
-             {},
-             {{"/tmp/options.conf", options("720p,disable,disable,disable,disable", 30)},
-              {"/tmp/onvif/available_resolution/blocked", ""}}}}));
+  testkit::Transcript t(cam);
+  t.run("No resolution list and no frame rate", "-u 13", {},
+        {{"/tmp/options.conf", options("", 0)}});
+  t.run("The list cannot be written where a folder is", "-u 13", {},
+        {{"/tmp/options.conf", options("720p,disable,disable,disable,disable", 30)},
+         {"/tmp/onvif/available_resolution/blocked", ""}});
+  t.expectGolden();
 }
 
 }  // namespace

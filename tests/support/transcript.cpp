@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
@@ -58,13 +59,13 @@ void walk(const std::string& root, const std::string& dir, Tree& tree) {
   closedir(d);
 }
 
-Tree files(const Camera& cam) {
+Tree camFiles(const Camera& cam) {
   Tree tree;
   walk(cam.root(), "", tree);
   return tree;
 }
 
-std::vector<int> slots(const Camera& cam) {
+std::vector<int> camSlots(const Camera& cam) {
   setenv("ONVIFCTRL_ROOT", cam.root().c_str(), 1);
   std::optional<shm::ShmBlock> block = host::attachServerBlock();
   unsetenv("ONVIFCTRL_ROOT");
@@ -180,43 +181,47 @@ void put(const Camera& cam, const Files& files) {
   for (const auto& [path, text] : files) text ? cam.write(path, *text) : cam.remove(path);
 }
 
-std::string record(Camera& cam, const Step& step) {
-  for (const auto& [s, v] : step.slots) cam.setSlot(s, v);
-  put(cam, step.files);
-  const Tree filesBefore = files(cam);
-  const std::vector<int> slotsBefore = slots(cam);
-  cam.clearTrace();
-  Lines args;
-  std::istringstream words(step.command);
-  for (std::string w; words >> w;) args.push_back(w);
-  RunResult r = cam.run(args);
-  std::string out = "# " + step.title + "\n$ onvifCtrl";
-  out += (step.command.empty() ? "" : " ") + step.command + "\n";
-  if (r.status != 0) out += "exit " + std::to_string(r.status) + "\n";
-  out += prefixed("> ", withoutBuildTime(replaceAll(r.out, cam.root(), "")));
-  out += fileChanges(filesBefore, files(cam));
-  out += slotChanges(slotsBefore, slots(cam));
-  for (const std::string& command : cam.shellTrace()) out += "sh: " + command + "\n";
-  return out + "\n";
-}
-
-std::string transcript(Camera& cam, const std::vector<Step>& steps) {
-  std::string out;
-  for (const Step& s : steps) out += record(cam, s);
-  return out;
+std::string format(const char* pattern, ...) {
+  char text[512];
+  va_list args;
+  va_start(args, pattern);
+  std::vsnprintf(text, sizeof text, pattern, args);
+  va_end(args);
+  return text;
 }
 
 std::string golden(const std::string& name) { return slurp(ONVIFCTRL_GOLDEN "/" + name); }
 
-void expectGolden(const std::string& actual) {
+void Transcript::run(const std::string& title, const std::string& command, const SlotValues& slots,
+                     const Files& files) {
+  Camera& cam = *cam_;
+  for (const auto& [s, v] : slots) cam.setSlot(s, v);
+  put(cam, files);
+  const Tree filesBefore = camFiles(cam);
+  const std::vector<int> slotsBefore = camSlots(cam);
+  cam.clearTrace();
+  Lines args;
+  std::istringstream words(command);
+  for (std::string w; words >> w;) args.push_back(w);
+  RunResult r = cam.run(args);
+  text_ += "# " + title + "\n$ onvifCtrl" + (command.empty() ? "" : " ") + command + "\n";
+  if (r.status != 0) text_ += "exit " + std::to_string(r.status) + "\n";
+  text_ += prefixed("> ", withoutBuildTime(replaceAll(r.out, cam.root(), "")));
+  text_ += fileChanges(filesBefore, camFiles(cam));
+  text_ += slotChanges(slotsBefore, camSlots(cam));
+  for (const std::string& line : cam.shellTrace()) text_ += "sh: " + line + "\n";
+  text_ += "\n";
+}
+
+void Transcript::expectGolden() const {
   const testing::TestInfo* test = testing::UnitTest::GetInstance()->current_test_info();
   const std::string name = std::string(test->test_suite_name()) + "." + test->name() + ".result";
   const char* update = std::getenv("ONVIFCTRL_GOLDEN_UPDATE");
   if (update != nullptr && std::string(update) == "1") {
-    std::ofstream(ONVIFCTRL_GOLDEN "/" + name, std::ios::binary) << actual;
+    std::ofstream(ONVIFCTRL_GOLDEN "/" + name, std::ios::binary) << text_;
     return;
   }
-  EXPECT_EQ(golden(name), actual) << "tests/golden/" << name;
+  EXPECT_EQ(golden(name), text_) << "tests/golden/" << name;
 }
 
 }  // namespace testkit
