@@ -2,8 +2,6 @@
 // the dumps of the block (-s 2, 5, 9) and of the auxiliary segments (-s 6..19).
 #include <gtest/gtest.h>
 
-#include <sstream>
-
 #include "transcript.h"
 
 using shm::Slot;
@@ -58,27 +56,24 @@ TEST(PostParse, SegmentDumps) {
   testkit::FixedKeyLock lock;
   testkit::Camera cam;
   cam.startServer();
-  cam.runShm({"stream-remove"});
+  cam.runShm({"stream-remove"});  // one an interrupted run left
   testkit::Transcript t(cam);
   t.run("No video analytics segment", "-s 6");
   t.run("No streaming server segment", "-s 8");
   t.run("No wearable hub segment", "-s 10");
-  for (const char* seg : {"va", "record", "wearable"}) cam.runShm({"seg-create", seg});
-  cam.runShm({"stream-create"});
-  for (const char* set :
-       {"va 119 -2", "record 0 65", "stream 1 2", "wearable 16 11", "wearable 271 99"}) {
-    std::istringstream words(set);
-    testkit::Lines args = {"seg-set"};
-    for (std::string w; words >> w;) args.push_back(w);
-    cam.runShm(args);
-  }
+  for (const char* command :
+       {"seg-create va", "seg-create record", "seg-create wearable", "stream-create",
+        "seg-set va 119 -2", "seg-set record 0 65", "seg-set stream 1 2", "seg-set wearable 16 11",
+        "seg-set wearable 271 99"})
+    t.run("Segments", testkit::format("onvif-shm %s", command));
   t.run("Video analytics", "-s 6");
   t.run("Recording", "-s 7");
   t.run("Streaming server", "-s 8");
   t.run("Every wearable hub entry", "-s 11");
   t.run("Wearable hub entry 7", "-s 19");
-  for (const char* seg : {"va", "record", "wearable"}) cam.runShm({"seg-remove", seg});
-  cam.runShm({"stream-remove"});
+  for (const char* command :
+       {"seg-remove va", "seg-remove record", "seg-remove wearable", "stream-remove"})
+    t.run("Removed", testkit::format("onvif-shm %s", command));
   t.expectGolden();
 }
 

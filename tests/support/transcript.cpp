@@ -203,8 +203,13 @@ void Transcript::run(const std::string& title, const std::string& command, const
   Lines args;
   std::istringstream words(command);
   for (std::string w; words >> w;) args.push_back(w);
-  RunResult r = cam.run(args);
-  text_ += "# " + title + "\n$ onvifCtrl" + (command.empty() ? "" : " ") + command + "\n";
+  const bool shm = !args.empty() && args[0] == "onvif-shm";
+  RunResult r = shm ? cam.runShm(Lines(args.begin() + 1, args.end())) : cam.run(args);
+  text_ += "# " + title + "\n$ " +
+           (shm               ? ""
+            : command.empty() ? "onvifCtrl"
+                              : "onvifCtrl ") +
+           command + "\n";
   if (r.status != 0) text_ += "exit " + std::to_string(r.status) + "\n";
   text_ += prefixed("> ", withoutBuildTime(replaceAll(r.out, cam.root(), "")));
   text_ += fileChanges(filesBefore, camFiles(cam));

@@ -44,7 +44,8 @@ class Transcript {
   }
 
   // Sets the slots and files, then runs onvifCtrl with the blank-separated
-  // arguments of `command`; `title` says what the run shows.
+  // arguments of `command` (onvif-shm when they start with "onvif-shm");
+  // `title` says what the run shows.
   void run(const std::string& title, const std::string& command, const SlotValues& slots = {},
            const Files& files = {});
 
