@@ -90,15 +90,7 @@ TEST(Audio, StreamServerSwitchesBindTheAudioEncoder) {
   cam.startServer({{Slot::ONVIF_DEVICE, 6}, {Slot::ONVIF_BRAND, 40}});
   testkit::Transcript t(cam);
   t.run("H.264 streams 1 on and 2 off, JPEG on", "-u 4", {},
-        {{conf, "h264_1_audio_enable=on\nh264_2_audio_enable=off\njpeg_1_audio_enable=on\n"},
-         {L + "Profiles.conf",
-          "profile filename=A\nprofile filename=B\nprofile filename=C\nprofile filename=D\n"
-          "profile filename=E\n"},
-         {L + "A", "VideoEncoder=VideoEncoder1\nAudioEncoder=x\n"},
-         {L + "B", "VideoEncoder=VideoEncoder2\nAudioEncoder=x\n"},
-         {L + "C", "AudioEncoder=x\nVideoEncoder=VideoEncoder4\n"},
-         {L + "D", "VideoEncoder=VideoEncoder4\nAudioEncoder=x\n"},
-         {L + "E", "VideoEncoder=Gone\nAudioEncoder=x\n"}});
+        testkit::fixture("Audio.streamserver.data"));
   t.run("Without the files", "-u 4", {},
         {{conf, {}}, {L + "Profiles.conf", {}}, {P + "AudioEncoder.conf", {}}});
   t.expectGolden();

@@ -14,32 +14,11 @@ const std::string D = "/usr/apache/htdocs/onvif/";
 
 // A small persistent folder with known lists and records, and no temporary
 // files of earlier resets.
-Files persistent() {
-  return {
-      {D, {}},
-      {"/tmp/onvif/tmp/Soft_Default_All_Conf", {}},
-      {"/tmp/onvif/tmp/Hard_Default_All_Conf", {}},
-      {"/etc/sysconfig/brand.conf",
-       "root.Brand.Model=X\nroot.Brand.Brand=Acme\nroot.Brand.Brand=Late\n"},
-      {D + "onvif.conf.default",
-       "Name=%s\nConfigurableScopes=onvif://www.onvif.org/name/Old\n"
-       "ConfigurableScopes=onvif://www.onvif.org/name/Older\n"
-       "ConfigurableScopes=onvif://www.onvif.org/location/here\nInitial_Sync_Data=false\n"},
-      {D + "onvif.conf", "changed\n"},
-      {D + "Profiles.conf", "# list\nprofile filename=P1.profile\nprofile filename=P2.profile\n"},
-      {D + "Profiles.conf.default", "profile filename=P1.profile\n"},
-      {D + "P1.profile", "changed\n"},
-      {D + "P1.profile.default", "Name=first\n"},
-      {D + "P2.profile", "added later\n"},
-      {D + "VideoEncoder.conf", "VideoEncoder1.VEncoder\n"},
-      {D + "VideoEncoder1.VEncoder", "changed\n"},
-      {D + "VideoEncoder1.VEncoder.default", "Encoding=H264\n"},
-      {D + "Users.conf", "admin:Administrator:new\n"},
-      {D + "Users.conf.default", "admin:Administrator:admin\n"}};
-}
-
-Files with(Files files, const Files& more) {
-  files.insert(files.end(), more.begin(), more.end());
+Files persistent(const Files& more = {}) {
+  Files files = {{D, {}},
+                 {"/tmp/onvif/tmp/Soft_Default_All_Conf", {}},
+                 {"/tmp/onvif/tmp/Hard_Default_All_Conf", {}}};
+  for (const auto& f : testkit::fixture("Defaults.persistent.data", more)) files.push_back(f);
   return files;
 }
 
@@ -56,12 +35,12 @@ TEST(Defaults, SoftResetRunsItsCommandsInOrder) {
   t.run("Brand 16 restores the presets", "-s 3", {{brand, 16}}, persistent());
   t.run("Brand 62 too", "-s 3", {{brand, 62}}, persistent());
   t.run("Without the brand file the default keeps its scopes", "-s 3", {{brand, 0}},
-        with(persistent(), {{"/etc/sysconfig/brand.conf", {}}}));
-  t.run("Record names from the list are one shell word each", "-s 3", {},
-        with(persistent(),
-             {{D + "Profiles.conf",
-               "profile filename=x;touch${IFS}pwned\nprofile filename=$(touch${IFS}pwned2)\n"},
-              {D + "x;touch${IFS}pwned", "gone\n"}}));
+        persistent({{"/etc/sysconfig/brand.conf", {}}}));
+  t.run(
+      "Record names from the list are one shell word each", "-s 3", {},
+      persistent({{D + "Profiles.conf",
+                   "profile filename=x;touch${IFS}pwned\nprofile filename=$(touch${IFS}pwned2)\n"},
+                  {D + "x;touch${IFS}pwned", "gone\n"}}));
   t.expectGolden();
   EXPECT_EQ(access("pwned", F_OK), -1);
   EXPECT_EQ(access("pwned2", F_OK), -1);
@@ -71,11 +50,11 @@ TEST(Defaults, HardResetRemovesEveryRecordThenRestoresTheShippedOnes) {
   testkit::Camera cam;
   cam.startServer({{Slot::ONVIF_BRAND, 62}});
   testkit::Transcript t(cam);
-  t.run("Records no list names go too", "-s 4", {},
-        with(persistent(),
-             {{D + "Stray.VEncoder", "not listed\n"}, {D + "Stray.PTZConf", "not listed\n"}}));
+  t.run(
+      "Records no list names go too", "-s 4", {},
+      persistent({{D + "Stray.VEncoder", "not listed\n"}, {D + "Stray.PTZConf", "not listed\n"}}));
   t.run("Without the default file nothing is stamped", "-s 4", {},
-        with(persistent(), {{D + "onvif.conf.default", {}}}));
+        persistent({{D + "onvif.conf.default", {}}}));
   t.expectGolden();
 }
 

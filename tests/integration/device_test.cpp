@@ -116,8 +116,6 @@ TEST(Device, AlarmOutputsSlotSettingsAndSmartCompression) {
   const std::string sd = "root.CLink.Onvif.Notification.SD.Interval=";
   const std::string conf = "/usr/apache/htdocs/onvif/SmartCompression.conf";
   const std::string rate = "/etc/sysconfig/image_ratecontrol.conf";
-  const std::string key = "root.Image.I0.RateControl.H264";
-  const std::string s1 = "Stream1_DynamicGOP_", s2 = "Stream2_DynamicGOP_";
   const Slot io = Slot::ONVIF_IO_TYPE;
   testkit::Camera cam;
   cam.startServer({{Slot::ONVIF_IPV6_STATUS, 7},
@@ -142,12 +140,7 @@ TEST(Device, AlarmOutputsSlotSettingsAndSmartCompression) {
   t.run("The SD card interval: the last line", "-u 35", {}, {{clink, sd + "30\n" + sd + "45"}});
   t.run("A word is no interval", "-u 35", {}, {{clink, sd + "abc"}});
   t.run("No interval settings", "-u 35", {}, {{clink, {}}});
-  t.run("Smart compression", "-u 36", {},
-        {{conf, "Smart_Compression_Enabled=x\n" + s1 + "Enabled=x\n" + s1 + "MaxGOP=x\n" + s2 +
-                    "Enabled=x\n" + s2 + "MaxGOP=x"},
-         {rate, key + "Mode.LBR.Auto=middle\n" + key + "VideoKeyFrameInterval.Mode=dynamic\n" +
-                    key + "VideoKeyFrameInterval.Dynamic=60\n" + key +
-                    "_2VideoKeyFrameInterval.Mode=Dynamic\n"}});
+  t.run("Smart compression", "-u 36", {}, testkit::fixture("Device.smartcompression.data"));
   t.run("Smart compression without its files", "-u 36", {}, {{rate, {}}, {conf, {}}});
   t.expectGolden();
 }

@@ -54,31 +54,16 @@ TEST(Presets, SetAndDeleteSourcesLabelsAndSilentFailures) {
 // position (its second line names tour 3 and is kept). A tour holds 64 steps,
 // the i-th speed and dwell belong to step i, one byte each (300 is 44).
 TEST(Presets, ToursFollowTheGuardTours) {
-  const std::string tour = "/tmp/onvif/presettour", create = "/tmp/onvif/PresetTourCreate.conf";
   const std::string state = "/etc/dynamic/guardtourstate.conf";
-  std::string list, many;
-  for (int k : {1, 3, 3, 4, 5, 6, 7, 8, 9})
-    list += "presettour" + std::to_string(k) + ".conf=" + (k > 4 ? "true\n" : "false\n");
-  for (int i = 1; i <= 70; ++i) many += "PresetNbr=" + std::to_string(i) + "\n";
-  const std::string record = "Name=T\nT1.PresetToken=9\nDirection=Forward\nT1.StayTime=PT9S\nA=1\n";
   testkit::Camera cam;
   cam.startServer();
   testkit::Transcript t(cam);
   t.run("Tours 1, 3 and 4 set", "-u 14", {},
-        {{state,
-          "GuardTour1:set\nnoise\nGuardTour2:unset\nGuardTour3:set\nGuard4:set\n"
-          "Guard5:x\nGuard6:x\nGuard7:x\nGuard8:x\nGuard9:set\n"},
-         {create, list},
-         {"/etc/dynamic/guardtour1.conf",
-          "PresetNbr=1\nMoveSpeed=5\nWaitTime=300\nPresetNbr=2\nWaitTime=15\nPresetNbr=3\n"
-          "MoveSpeed=7\n"},
-         {"/etc/dynamic/guardtour3.conf", {}},
-         {"/etc/dynamic/guardtour4.conf", many},
-         {tour + "1.conf", record},
-         {tour + "3.conf", record},
-         {tour + "4.conf", record}});
+        testkit::fixture("Presets.tours.data", {{"/etc/dynamic/guardtour3.conf", {}}}));
   t.run("Without the create list and tour 1's record", "-u 14", {},
-        {{state, "GuardTour1:set\n"}, {create, {}}, {tour + "1.conf", {}}});
+        {{state, "GuardTour1:set\n"},
+         {"/tmp/onvif/PresetTourCreate.conf", {}},
+         {"/tmp/onvif/presettour1.conf", {}}});
   t.run("Without the state file", "-u 14", {}, {{state, {}}});
   t.expectGolden();
 }

@@ -170,12 +170,7 @@ TEST(VideoFrameRate, ByLayoutCodeOrByCodec) {
     setKey(cam, encoderPath(3), skip ? "Encoding" : "Channel", skip ? "MPEG4" : "4");
     t.on(cam).run(format("Device %d, layout %d", device, layout), format("-u %d", command),
                   {{Slot::ONVIF_DEVICE, device}, {Slot::ONVIF_MULTIPLE_STREAM, layout}},
-                  {{"/etc/sysconfig/framerate.conf",
-                    "root.Framerate.Mjpeg=11\nroot.Framerate.H264=25\nroot.Framerate.H264_2=20\n"
-                    "root.Framerate.H264_3=14\nroot.Framerate.H264_4=12\n"},
-                   {"/etc/sysconfig/frameskip.conf",
-                    "root.Frameskip.Mjpeg=2\nroot.Frameskip.H264=\nroot.Frameskip.H264_2=1\n"
-                    "root.Frameskip.Mpeg4=7\n"}});
+                  testkit::fixture("VideoFrameRate.data"));
   }
   t.expectGolden();
 }

@@ -2,8 +2,6 @@
 // ranges (-u 13) through the real binary.
 #include <gtest/gtest.h>
 
-#include <sstream>
-
 #include "transcript.h"
 
 using shm::Slot;
@@ -14,50 +12,26 @@ namespace {
 
 const std::string kApp = "/etc/sysconfig/image_appearance.conf";
 
-// The sensor file read by -u 3 (imaging) and -u 10 (PTZ image flip), per
-// device type; the marker is the value of the imaging slots before the run.
+// The sensor file read by -u 3 (imaging) and -u 10 (PTZ image flip) and the
+// IR mode, per device type (VideoImaging.<n>.data); the marker is the value of
+// the imaging slots before the run.
 TEST(VideoImaging, ScalesModesAndSlotsPerDeviceType) {
-  const struct {
-    int device, io, brand, marker;
-    const char *settings, *ir;  // sensor keys, blank-separated; the IR mode
-  } cases[] = {
-      {1, 1, 0, 0,
-       "WhiteBalance=manual WhiteBalance.Rgain=255 WhiteBalance.Bgain=127 Backlight=on "
-       "Brightness=128 Sharpness=15 Contrast=255 ColorLevel=0 Wdr=3 ICR=on Exposure=manual "
-       "Exposure.ManualPreset.AGCGain=50 Flip=Image",
-       "lightoff"},
-      {2, 3, 0, 0,
-       "WhiteBalance=manual25 WhiteBalance.Rgain=255 Backlight=off Brightness=63 Sharpness=8 "
-       "Contrast=128 ColorLevel=255 Wdr=on ICR=off Exposure=auto Exposure.ManualPreset.AGCGain=0 "
-       "Flip=image",
-       "auto"},
-      {4, 3, 42, 0,
-       "Flip=Image WhiteBalance=ATW Backlight=dim Brightness=10 Sharpness=8 Contrast=10 "
-       "ColorLevel=10 Wdr=3 ICR=smart Exposure=shutter Exposure.ManualPreset.AGCGain=10 Flip=None",
-       nullptr},
-      {1, 2, 0, -1,
-       "WhiteBalance=manual WhiteBalance.Rgain=255 Brightness=10 ICR=off Exposure=manualpreset "
-       "Exposure.ManualPreset.AGCGain=50 Wdr=7",
-       "on"}};
+  const int cases[][4] = {{1, 1, 0, 0}, {2, 3, 0, 0}, {4, 3, 42, 0}, {1, 2, 0, -1}};
   testkit::Transcript t;
-  for (const auto& c : cases) {
+  int n = 0;
+  for (const auto& [device, io, brand, m] : cases) {
     Camera cam;
     cam.startServer({{Slot::IMAGE_EXPOSURE_GAIN_MAX, 200}, {Slot::ONVIF_IMAGE_FLIP, 5}});
-    std::istringstream settings(c.settings);
-    std::string sensor;
-    for (std::string word; settings >> word;) sensor += "root.ImageSource.I0.Sensor." + word + "\n";
-    const int m = c.marker;
-    t.on(cam).run(format("Device %d, I/O type %d, brand %d", c.device, c.io, c.brand), "-u 3",
-                  {{Slot::ONVIF_DEVICE, c.device},
-                   {Slot::ONVIF_IO_TYPE, c.io},
-                   {Slot::ONVIF_BRAND, c.brand},
+    t.on(cam).run(format("Device %d, I/O type %d, brand %d", device, io, brand), "-u 3",
+                  {{Slot::ONVIF_DEVICE, device},
+                   {Slot::ONVIF_IO_TYPE, io},
+                   {Slot::ONVIF_BRAND, brand},
                    {Slot::IMAGE_EXPOSURE_MODE, m},
                    {Slot::IMAGE_BRIGHTNESS, m},
                    {Slot::IMAGE_SHARPNESS, m},
                    {Slot::IMAGE_CONTRAST, m},
                    {Slot::IMAGE_COLORLEVEL, m}},
-                  {{"/etc/sysconfig/image_source.conf", sensor},
-                   {"/etc/sysconfig/ir.conf", c.ir ? format("root.IR.Mode=%s\n", c.ir) : ""}});
+                  testkit::fixture(format("VideoImaging.%d.data", ++n)));
     t.run("The flip is \"Image\" exactly, on the first Flip line", "-u 10");
   }
   t.expectGolden();

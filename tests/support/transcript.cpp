@@ -192,6 +192,14 @@ std::string format(const char* pattern, ...) {
 
 std::string golden(const std::string& name) { return slurp(ONVIFCTRL_GOLDEN "/" + name); }
 
+Files fixture(const std::string& name, const Files& more) {
+  Tree tree;
+  walk(ONVIFCTRL_GOLDEN "/" + name, "", tree);
+  Files files(tree.begin(), tree.end());
+  files.insert(files.end(), more.begin(), more.end());
+  return files;
+}
+
 void Transcript::run(const std::string& title, const std::string& command, const SlotValues& slots,
                      const Files& files) {
   Camera& cam = *cam_;

@@ -32,6 +32,9 @@ std::string format(const char* pattern, ...) __attribute__((format(printf, 1, 2)
 // The text of tests/golden/<name>.
 std::string golden(const std::string& name);
 
+// The files under the folder tests/golden/<name>, by camera path, then `more`.
+Files fixture(const std::string& name, const Files& more = {});
+
 class Transcript {
  public:
   explicit Transcript(Camera* cam = nullptr) : cam_(cam) {}
