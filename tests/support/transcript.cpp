@@ -124,12 +124,6 @@ std::string diff(const Lines& a, const Lines& b) {
   return out;
 }
 
-std::string replaceAll(std::string s, const std::string& from, const std::string& to) {
-  for (std::size_t at = s.find(from); at != std::string::npos; at = s.find(from, at + to.size()))
-    s.replace(at, from.size(), to);
-  return s;
-}
-
 // The lines of `text` after `prefix` (without its blanks on empty lines).
 std::string prefixed(const std::string& prefix, const std::string& text) {
   std::string out;
@@ -213,13 +207,10 @@ void Transcript::run(const std::string& title, const std::string& command, const
   for (std::string w; words >> w;) args.push_back(w);
   const bool shm = !args.empty() && args[0] == "onvif-shm";
   RunResult r = shm ? cam.runShm(Lines(args.begin() + 1, args.end())) : cam.run(args);
-  text_ += "# " + title + "\n$ " +
-           (shm               ? ""
-            : command.empty() ? "onvifCtrl"
-                              : "onvifCtrl ") +
-           command + "\n";
+  const std::string shown = shm || command.empty() ? command : " " + command;
+  text_ += "# " + title + "\n$ " + (shm ? "" : "onvifCtrl") + shown + "\n";
   if (r.status != 0) text_ += "exit " + std::to_string(r.status) + "\n";
-  text_ += prefixed("> ", withoutBuildTime(replaceAll(r.out, cam.root(), "")));
+  text_ += prefixed("> ", withoutBuildTime(r.out));
   text_ += fileChanges(filesBefore, camFiles(cam));
   text_ += slotChanges(slotsBefore, camSlots(cam));
   for (const std::string& line : cam.shellTrace()) text_ += "sh: " + line + "\n";
