@@ -3,6 +3,7 @@
 // what a missing file does to each video command.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <tuple>
 
@@ -116,10 +117,21 @@ TEST(VideoAppearance, PerCodecAndTwoEncoderPaths) {
   t.expectGolden();
 }
 
+// Starts the server of a layout-8 camera with two streams; the routines'
+// temporary files hold a stale line.
+testkit::Transcript& start(testkit::Transcript& t, Camera& cam, int device, int brand) {
+  cam.startServer(
+      {{Slot::ONVIF_DEVICE, device}, {Slot::ONVIF_BRAND, brand}, {Slot::ONVIF_MULTIPLE_STREAM, 8}});
+  setKey(cam, kApp, kResolution, "disable,1080p,720p,disable,disable");
+  cam.write("/tmp/onvif/tmp/WS_Update_Imapge_Appearance", "stale\n");
+  cam.write("/tmp/onvif/tmp/WS_Update_framerate", "stale\n");
+  return t.on(cam);
+}
+
 // A missing file is one error-log line; a missing list or record ends an
 // encoder walk before VideoEncoder3, and a missing record leaves the
-// routine's stale temporary file empty.
-TEST(VideoSync, MissingFiles) {
+// routine's stale temporary file empty. The cases of the given commands.
+void missingFiles(std::initializer_list<int> commands) {
   const std::string d = "/usr/apache/htdocs/onvif/", s = "/etc/sysconfig/", o = "/tmp/onvif/";
   const std::string first = encoderPath(1), second = encoderPath(2), list = d + "VideoEncoder.conf";
   const std::string profiles = o + "Profiles.conf", rates = s + "framerate.conf";
@@ -136,26 +148,28 @@ TEST(VideoSync, MissingFiles) {
       {6, 0, 13, h264},   {6, 0, 3, source}, {6, 0, 3, ir},       {6, 0, 3, video},
       {6, 0, 3, sources}, {6, 0, 7, vsconf}, {6, 0, 7, kApp},     {6, 0, 10, source}};
   testkit::Transcript t;
-  auto start = [&](Camera& cam, int device, int brand) -> testkit::Transcript& {
-    cam.startServer({{Slot::ONVIF_DEVICE, device},
-                     {Slot::ONVIF_BRAND, brand},
-                     {Slot::ONVIF_MULTIPLE_STREAM, 8}});
-    setKey(cam, kApp, kResolution, "disable,1080p,720p,disable,disable");
-    cam.write("/tmp/onvif/tmp/WS_Update_Imapge_Appearance", "stale\n");
-    cam.write("/tmp/onvif/tmp/WS_Update_framerate", "stale\n");
-    return t.on(cam);
-  };
   for (const auto& [device, brand, command, path] : cases) {
+    if (std::find(commands.begin(), commands.end(), command) == commands.end()) continue;
     Camera cam;
-    start(cam, device, brand)
+    start(t, cam, device, brand)
         .run(format("Device %d, brand %d, without %s", device, brand, path.c_str()),
              format("-u %d", command), {}, {{path, {}}});
   }
+  t.expectGolden();
+}
+
+TEST(VideoSync, MissingFilesOfTheLayout) { missingFiles({2}); }
+TEST(VideoSync, MissingFilesOfTheFrameRatesAndProfiles) { missingFiles({5, 6, 15, 19}); }
+TEST(VideoSync, MissingFilesOfTheLimitsAndImaging) { missingFiles({13, 3, 7, 10}); }
+
+TEST(VideoAppearance, ProfileListNamingAMissingProfileIsCountedPast) {
   Camera cam;
-  start(cam, 6, 0).run("A profile list naming a missing profile", "-u 2", {},
-                       {{profiles,
-                         "profile filename=Profile9.profile\nprofile filename=Profile1.profile\n"
-                         "profile filename=Profile2.profile\n"}});
+  testkit::Transcript t;
+  start(t, cam, 6, 0)
+      .run("A profile list naming a missing profile", "-u 2", {},
+           {{"/tmp/onvif/Profiles.conf",
+             "profile filename=Profile9.profile\nprofile filename=Profile1.profile\n"
+             "profile filename=Profile2.profile\n"}});
   t.expectGolden();
 }
 
