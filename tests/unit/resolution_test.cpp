@@ -73,6 +73,13 @@ TEST(Resolution, LegacyIndexComparesWholeNames) {
   }
 }
 
+// The legacy index of each of the fourteen names is its resolution code.
+TEST(Resolution, LegacyIndexIsTheCode) {
+  for (const char* name : {"disable", "qcif", "cif", "qvga", "vga", "d1", "svga", "xga", "720p",
+                           "quadvga", "sxga", "1080p", "3m", "5m"})
+    EXPECT_EQ(GetLegacyResolutionIndex(name, 0).index, GetResolutionCode(name)) << name;
+}
+
 TEST(VideoTables, JpegQuality) {
   std::vector<int> qualities;
   for (int q : {0, 1, 35, 50, 70}) qualities.push_back(JpegQuality(q));
