@@ -1,5 +1,5 @@
 // The frame around sync commands: the protect flag, the command number, the
-// DebugLog line (written when ONVIF_DEBUG_LOG is 1), and the commands that
+// DebugLog line (appended when ONVIF_DEBUG_LOG is 1), and the commands that
 // only raise slots.
 #include <gtest/gtest.h>
 
@@ -24,10 +24,8 @@ TEST(SyncFrame, ProtectFlagCommandNumberAndDebugLog) {
   t.run("Firmware upgrade", "-u 30", raised);
   t.run("Discovery", "-u 98", raised);
   t.run("Event search waits, then clears the flag", "-u 33", {{protect, 0}});
-  t.run(
-      "Standard commands raise the flag, record the number, log and clear it; the log "
-      "is appended to",
-      "-u 22 -u 21", {{protect, 0}, {debug, 1}}, {{"/tmp/onvif/DebugLog", "00:00:00 earlier\n"}});
+  t.run("Standard commands raise the flag, record the number, log and clear the flag",
+        "-u 22 -u 21", {{protect, 0}, {debug, 1}}, {{"/tmp/onvif/DebugLog", "00:00:00 earlier\n"}});
   t.run("Debug 0 logs nothing", "-u 27 -u 23", {{debug, 0}}, {{"/tmp/onvif/DebugLog", {}}});
   t.run("Nor does debug 2", "-u 28 -u 30", {{debug, 2}});
   t.run("Commands without a label log nothing", "-u 17 -u 33", {{debug, 1}});

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -96,8 +97,8 @@ Lines textLines(const std::string& text) {
   return lines;
 }
 
-// The lines of `after` that are not in `before` ("+ ") and the other way
-// round ("- "), each run of them headed by its first line number in `after`.
+// The lines of `b` (after) that are not in `a` (before) ("+ ") and the other
+// way round ("- "), each run of them headed by its first line number in `b`.
 std::string diff(const Lines& a, const Lines& b) {
   std::vector<std::vector<int>> common(a.size() + 1, std::vector<int>(b.size() + 1, 0));
   for (std::size_t i = a.size(); i-- > 0;)
@@ -107,8 +108,7 @@ std::string diff(const Lines& a, const Lines& b) {
   std::string out;
   bool inRun = false;
   for (std::size_t i = 0, j = 0; i < a.size() || j < b.size();) {
-    bool same = i < a.size() && j < b.size() && a[i] == b[j];
-    if (same) {
+    if (i < a.size() && j < b.size() && a[i] == b[j]) {
       ++i, ++j;
       inRun = false;
       continue;
