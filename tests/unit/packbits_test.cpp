@@ -64,7 +64,7 @@ TEST(PackBits, RoundTripsArbitraryData) {
     Bytes packed = rec::packBitsEncode(data), back;
     ASSERT_TRUE(rec::packBitsDecode(packed, back));
     ASSERT_EQ(back, data) << "case " << i;
-    for (std::size_t at = 0; at<packed.size(); at += packed[at]> 128 ? 2 : packed[at] + 2u)
+    for (std::size_t at = 0; at < packed.size(); at += (packed[at] > 128 ? 2 : packed[at] + 2u))
       ASSERT_NE(packed[at], 128);
   }
 }
