@@ -52,8 +52,7 @@ void writeTraceWrapper(const std::string& dir, const char* name) {
   std::string path = dir + "/" + name;
   std::ofstream out(path);
   out << "#!/bin/sh\n"
-      << "{ printf '%s' '" << name
-      << "'; for a in \"$@\"; do printf ' %s' \"$a\"; done; printf '\\n'; }"
+      << "{ printf '%s' '" << name << "'; for a in \"$@\"; do printf ' %s' \"$a\"; done; printf '\\n'; }"
       << " >> \"$ONVIFCTRL_TRACE\"\n"
       << "exec " << realTool(name) << " \"$@\"\n";
   out.close();
@@ -172,10 +171,8 @@ RunResult Camera::exec(const std::string& binary, const std::vector<std::string>
   std::string errPath = root_ + "/.run/err";
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, 1, outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC,
-                                   0644);
-  posix_spawn_file_actions_addopen(&actions, 2, errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC,
-                                   0644);
+  posix_spawn_file_actions_addopen(&actions, 1, outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+  posix_spawn_file_actions_addopen(&actions, 2, errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
   pid_t pid;
   int rc = posix_spawn(&pid, binary.c_str(), &actions, nullptr, argv.data(), envp.data());
   posix_spawn_file_actions_destroy(&actions);
@@ -190,12 +187,8 @@ RunResult Camera::exec(const std::string& binary, const std::vector<std::string>
   return r;
 }
 
-RunResult Camera::run(const std::vector<std::string>& args) const {
-  return exec(ONVIFCTRL_BIN, args);
-}
-RunResult Camera::runShm(const std::vector<std::string>& args) const {
-  return exec(ONVIF_SHM_BIN, args);
-}
+RunResult Camera::run(const std::vector<std::string>& args) const { return exec(ONVIFCTRL_BIN, args); }
+RunResult Camera::runShm(const std::vector<std::string>& args) const { return exec(ONVIF_SHM_BIN, args); }
 
 std::string Camera::host(const std::string& cameraPath) const { return root_ + cameraPath; }
 std::string Camera::read(const std::string& cameraPath) const { return slurp(host(cameraPath)); }
