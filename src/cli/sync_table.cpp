@@ -157,8 +157,6 @@ const SyncCommand kCommands[] = {
 };
 
 constexpr const char* kDebugLogWriter = "WriteDebugLog";  // names it in error-log lines
-constexpr useconds_t kWaitStep = 100000;  // 100 ms
-constexpr int kWaitSteps = 300;           // 30 s
 
 }  // namespace
 
@@ -173,17 +171,20 @@ int multiStreamFlag(int device, int brand) {
   return brand > 11 ? 1 : 0;
 }
 
-void protectWait(shm::ShmBlock& block, Slot flag) {
+int protectWait(shm::ShmBlock& block, Slot flag, const WaitLimits& wait) {
   int count = 0;
   do {
-    usleep(kWaitStep);
+    usleep(wait.step);
     ++count;
-  } while (count < kWaitSteps && block.get(flag) == 1);
+  } while (count < wait.steps && block.get(flag) == 1);
+  return count;
 }
 
-void writeDebugLog(const char* label, shm::ShmBlock& block) {
+void writeDebugLog(const char* label, shm::ShmBlock& block, const WaitLimits& wait) {
   conf::holdWriteLock();
-  if (block.get(Slot::ONVIF_DEBUG_LOG_USE) == 1) protectWait(block, Slot::ONVIF_DEBUG_LOG_USE);
+  if (block.get(Slot::ONVIF_DEBUG_LOG_USE) == 1) {
+    protectWait(block, Slot::ONVIF_DEBUG_LOG_USE, wait);
+  }
   block.set(Slot::ONVIF_DEBUG_LOG_USE, 1);
   std::time_t now = std::time(nullptr);
   struct tm utc {};
@@ -199,22 +200,25 @@ void writeDebugLog(const char* label, shm::ShmBlock& block) {
   block.set(Slot::ONVIF_DEBUG_LOG_USE, 0);
 }
 
-int dispatch(int number, shm::ShmBlock& block) {
+int dispatch(int number, shm::ShmBlock& block, const WaitLimits& wait) {
   const SyncCommand* cmd = findSyncCommand(number);
   if (cmd == nullptr) return 0;
   auto run = [&]() {
-    SyncArgs args{block, multiStreamFlag(block.get(Slot::ONVIF_DEVICE), block.get(Slot::ONVIF_BRAND))};
+    int flag = multiStreamFlag(block.get(Slot::ONVIF_DEVICE), block.get(Slot::ONVIF_BRAND));
+    SyncArgs args{block, flag};
     return cmd->run != nullptr ? cmd->run(args) : 0;
   };
   auto logIfDebug = [&]() {
-    if (cmd->label != nullptr && block.get(Slot::ONVIF_DEBUG_LOG) == 1) writeDebugLog(cmd->label, block);
+    if (cmd->label != nullptr && block.get(Slot::ONVIF_DEBUG_LOG) == 1) {
+      writeDebugLog(cmd->label, block, wait);
+    }
   };
 
   int result = 0;
   switch (cmd->frame) {
     case Frame::Standard:
       conf::holdWriteLock();
-      protectWait(block, Slot::WEB_SYNC_PROTECT);
+      protectWait(block, Slot::WEB_SYNC_PROTECT, wait);
       block.set(Slot::WEB_SYNC_PROTECT, 1);
       block.set(Slot::ONVIF_CTRL, number);
       result = run();
@@ -226,7 +230,7 @@ int dispatch(int number, shm::ShmBlock& block) {
       logIfDebug();
       break;
     case Frame::WaitNoLog:
-      protectWait(block, Slot::WEB_SYNC_PROTECT);
+      protectWait(block, Slot::WEB_SYNC_PROTECT, wait);
       result = run();
       break;
     case Frame::None:

@@ -1,6 +1,8 @@
 // The sync command table (-u N) and the frame around each command.
 #pragma once
 
+#include <sys/types.h>
+
 #include "shm/block.h"
 
 namespace cli {
@@ -31,14 +33,21 @@ const SyncCommand* findSyncCommand(int number);
 // 1 when ONVIF_DEVICE is 6 or 7, else 1 when ONVIF_BRAND is above 11, else 0.
 int multiStreamFlag(int device, int brand);
 
-// Waits while `flag` is 1: 100 ms sleeps, at most 300 of them, at least one.
-void protectWait(shm::ShmBlock& block, shm::Slot flag);
+// The wait for a protect flag: sleeps of `step` microseconds, at most `steps`
+// of them. The tool waits in 100 ms steps for up to 30 s.
+struct WaitLimits {
+  useconds_t step = 100000;
+  int steps = 300;
+};
+
+// Waits while `flag` is 1, at least one step. Returns the steps slept.
+int protectWait(shm::ShmBlock& block, shm::Slot flag, const WaitLimits& wait = {});
 
 // Appends "hh:mm:ss label" (UTC) to the DebugLog, paced by ONVIF_DEBUG_LOG_USE.
-void writeDebugLog(const char* label, shm::ShmBlock& block);
+void writeDebugLog(const char* label, shm::ShmBlock& block, const WaitLimits& wait = {});
 
 // Runs sync command `number` inside its frame. Returns the routine's result,
 // which nobody inspects.
-int dispatch(int number, shm::ShmBlock& block);
+int dispatch(int number, shm::ShmBlock& block, const WaitLimits& wait = {});
 
 }  // namespace cli

@@ -2,110 +2,77 @@
 // codec-slot tables, the brand-28 audio records and the branch messages.
 #include <gtest/gtest.h>
 
-#include "camera.h"
+#include "transcript.h"
 
 using shm::Slot;
-using testkit::Camera;
 
 namespace {
 
+const std::string P = "/usr/apache/htdocs/onvif/", kVariable = "/etc/sysconfig/variable.conf";
+
 std::string record(int k) {  // VideoEncoder1 to 4, then AudioEncoder1 to 4
-  return std::string("/tmp/onvif/") + (k <= 4 ? "Video" : "Audio") + "Encoder" + std::to_string((k - 1) % 4 + 1) +
-         (k <= 4 ? ".VEncoder" : ".AEncoder");
+  return std::string("/tmp/onvif/") + (k <= 4 ? "Video" : "Audio") + "Encoder" +
+         std::to_string((k - 1) % 4 + 1) + (k <= 4 ? ".VEncoder" : ".AEncoder");
 }
 
-// "address port ttl" of VideoEncoder1 to 4 and AudioEncoder1 to 4 ("-": untouched).
-std::string multicastOf(const Camera& cam) {
-  std::string out;
-  for (int k = 1; k <= 8; ++k) {
-    std::string v;
-    for (const std::string& l : cam.lines(record(k)))
-      if (l.rfind("Multi", 0) == 0) v += (v.empty() ? "" : " ") + l.substr(l.find('=') + 1);
-    out += (v == "o o o" ? "-" : v) + (k < 8 ? "|" : "");
-  }
-  return out;
-}
-
+// Each run starts from the same files: the RTP keys with short values, the
+// records with "o" values, the sample's lists; multicast is on.
 TEST(Multicast, PlatformsBranchesAndVariants) {
-  struct Case {
+  const struct {
     int device, brand, layout;
     const char* enabled;  // ONVIF_RESOLUTION_H264, _H264_2, _JPEG, _MPEG4
-    const char* records;
-    int multicasting;
-    const char* log = nullptr;
-    const char *path = nullptr, *content = nullptr;  // a file changed before the run (content nullptr: removed)
+    const char* why;
+    std::string path = {};
+    std::optional<std::string> text = std::nullopt;  // the file's text, or none
   } cases[] = {
-      {6, 0, 5, "0000", "ha1 hp1 t|ha2 hp2 t|ha3 hp3 t|-|aa ap t|-|-|-", 1},
-      {6, 0, 4, "0000", "-|-|-|-|aa ap t|-|-|-", 1, "Update_Multicast ONVIF_MULTIPLE_STREAM ERROR!"},
-      // Brand 28: the fourth TTL key is never found, so that TTL is written empty.
-      {6, 28, 7, "0000", "ha1 hp1 t|ha2 hp2 t|ha3 hp3 t|ha4 hp4 t|aa hap1 ht1|aa hap2 ht2|aa hap3 ht3|aa hap4 ", 1},
-      {6, 28, 8, "0000", "ha1 hp1 t|ha2 hp2 t|ha3 hp3 t|ma mp t|aa hap1 ht1|aa hap2 ht2||aa map mt", 1,
-       "Update_Multicast audio:/tmp/onvif/AudioEncoder1.AEncoder missing!", "/tmp/onvif/AudioEncoder3.AEncoder"},
-      {6, 28, 0, "0000", "ma mp t|-|-|-|-|-|-|-", 1,
-       "Update_Multicast audio:/usr/apache/htdocs/onvif/AudioEncoder.conf missing!",
-       "/usr/apache/htdocs/onvif/AudioEncoder.conf"},
-      {6, 0, 8, "0000", "ha1 hp1 t||ha3 hp3 t|ma mp t|aa ap t|-|-|-", 1,
-       "Update_Multicast:/tmp/onvif/VideoEncoder2.VEncoder missing!", "/tmp/onvif/VideoEncoder2.VEncoder"},
-      // Platform 5: each record's codec picks its port; the audio takes the video address.
-      {5, 0, 0, "0000", "va hp1 t|va hp2 t|-|-|va ap t|-|-|-", 1},
-      {5, 0, 0, "0000", "o va t|va hp2 t|-|-|va ap t|-|-|-", 1, nullptr, "/tmp/onvif/VideoEncoder1.VEncoder",
+      {6, 0, 5, "0000", "the layout's streams"},
+      {6, 0, 4, "0000", "a layout without a table row"},
+      {6, 28, 7, "0000", "brand 28: the fourth TTL key is never found"},
+      {6, 28, 8, "0000", "brand 28 without an audio record", "/tmp/onvif/AudioEncoder3.AEncoder"},
+      {6, 28, 0, "0000", "brand 28 without the audio list", P + "AudioEncoder.conf"},
+      {6, 0, 8, "0000", "without a video record", "/tmp/onvif/VideoEncoder2.VEncoder"},
+      {5, 0, 0, "0000", "platform 5: each record's codec picks its port"},
+      {5, 0, 0, "0000", "platform 5, an MPEG-4 record with its lines in another order", record(1),
        "Encoding=MPEG4\nMultiPort=o\nMultiIPv4Address=o\nMultiTTL=o\n"},
-      // Brands below 12: the video list, each record's codec and channel.
-      {2, 0, 0, "0000", "va hp1 t|va hp2 t|va mp t|va pp t|va ap t|va ap t|va ap t|va ap t", 1},
-      {1, 0, 0, "0000", "va hp1 t|-|-|va o t|va ap t|va ap t|va ap t|va ap t", 1,
-       "A2 nonbrand Update_Multicast video:/tmp/onvif/Gone.VEncoder missing!",
-       "/usr/apache/htdocs/onvif/VideoEncoder.conf",
+      {2, 0, 0, "0000", "brands below 12: each record's codec and channel"},
+      {1, 0, 0, "0000", "a list with a missing record and a blank line", P + "VideoEncoder.conf",
        "VideoEncoder1.VEncoder\nGone.VEncoder\n\nVideoEncoder4.VEncoder\n"},
-      {-1, 0, 0, "0000", "va hp1 t|va hp2 t|va mp t|va o t|-|-|-|-", 1,
-       "A2&N3 nonbrand Update_Multicast audio:/usr/apache/htdocs/onvif/AudioEncoder.conf missing!",
-       "/usr/apache/htdocs/onvif/AudioEncoder.conf"},
-      // Brands 12 and above: the codec enable slots.
-      {2, 12, 0, "1001", "-|-|-|-|va ap t|va ap t|va ap t|va ap t", 1,
-       "N3 SP Update_Multicast ONVIF_MULTIPLE_STREAM ERROR!"},
-      {3, 12, 0, "1001", "va hp1 t|-|-|-|va ap t|va ap t|va ap t|va ap t", 1},
-      {2, 20, 0, "0011", "va pp t|va mp t|-|-|va ap t|va ap t|va ap t|va ap t", 1},
-      {0, 12, 0, "5100", "va hp1 t||-|-|va ap t|va ap t|va ap t|va ap t", 1,
-       "A2 SP Update_Multicast video:/tmp/onvif/VideoEncoder2.VEncoder missing!", "/tmp/onvif/VideoEncoder2.VEncoder"},
-      // Multicast off, an unknown platform, missing system files.
-      {6, 0, 8, "0000", "-|-|-|-|-|-|-|-", 0, nullptr, "/etc/sysconfig/variable.conf",
-       "root.Variable.Videoprotocol=3\n"},
-      {1, 0, 8, "0000", "-|-|-|-|-|-|-|-", 0, "Update_Multicast:/etc/sysconfig/variable.conf missing!",
-       "/etc/sysconfig/variable.conf"},
-      {7, 0, 8, "0000", "-|-|-|-|-|-|-|-", 9},
-      {6, 0, 8, "0000", "-|-|-|-|-|-|-|-", 9, "Update_Multicast:/etc/sysconfig/network.conf missing!",
-       "/etc/sysconfig/network.conf"},
-  };
-  std::string rtp;
-  for (const char* kv : {"VideoAddress=va",       "H264VideoPort=hp1",     "H264VideoPort2=hp2",
-                         "H264VideoPort3=hp3",    "H264VideoPort4=hp4",    "MjpegVideoPort=mp",
-                         "MpegVideoPort=pp",      "AudioPort=ap",          "TTL=t",
-                         "AudioTTL=at",           "AudioAddress=aa",       "MjpegVideoAddress=ma",
-                         "H264VideoAddress=ha1",  "H264VideoAddress2=ha2", "H264VideoAddress3=ha3",
-                         "H264VideoAddress4=ha4", "H264AudioPort=hap1",    "H264AudioPort2=hap2",
-                         "H264AudioPort3=hap3",   "H264AudioPort4=hap4",   "MjpegAudioPort=map",
-                         "H264TTL=ht1",           "H264TTL2=ht2",          "H264TTL3=ht3",
-                         "H264TTL4=ht4",          "MjpegTTL=mt",           "MjpegTTL2=mt2"})
-    rtp += std::string("root.Network.RTP.R0.") + kv + "\n";
-  const char* codecs[] = {"H264\nChannel=1", "H264\nChannel=2", "JPEG\nChannel=1", "MPEG4\nChannel=1"};
-  const Slot enables[] = {Slot::ONVIF_RESOLUTION_H264, Slot::ONVIF_RESOLUTION_H264_2, Slot::ONVIF_RESOLUTION_JPEG,
-                          Slot::ONVIF_RESOLUTION_MPEG4};
-  for (const Case& c : cases) {
-    Camera cam;  // the sample's lists name VideoEncoder1 to 4 and AudioEncoder1 to 4; multicast is on
-    cam.startServer({{Slot::ONVIF_DEVICE, c.device},
-                     {Slot::ONVIF_BRAND, c.brand},
-                     {Slot::ONVIF_MULTIPLE_STREAM, c.layout},
-                     {Slot::MULTICASTING, 9}});
-    cam.write("/etc/sysconfig/network.conf", rtp);
-    for (int k = 1; k <= 8; ++k)
-      cam.write(record(k),
-                std::string("Encoding=") + codecs[(k - 1) % 4] + "\nMultiIPv4Address=o\nMultiPort=o\nMultiTTL=o\n");
-    if (c.path) c.content ? cam.write(c.path, c.content) : cam.remove(c.path);
-    for (int i = 0; i < 4; ++i) cam.setSlot(enables[i], c.enabled[i] - '0');
-    cam.run({"-u", "9"});
-    EXPECT_EQ(multicastOf(cam), c.records) << c.device << "/" << c.brand << "/" << c.layout;
-    EXPECT_EQ(cam.slot(Slot::MULTICASTING), c.multicasting) << c.records;
-    EXPECT_EQ(cam.errorLog(), c.log ? std::vector<std::string>{c.log} : std::vector<std::string>{}) << c.records;
+      {-1, 0, 0, "0000", "without the audio list", P + "AudioEncoder.conf"},
+      {2, 12, 0, "1001", "brands 12 and above: the codec enable slots"},
+      {3, 12, 0, "1001", "the codec enable slots on platform 3"},
+      {2, 20, 0, "0011", "JPEG and MPEG-4 enabled"},
+      {0, 12, 0, "5100", "without the second video record", "/tmp/onvif/VideoEncoder2.VEncoder"},
+      {6, 0, 8, "0000", "multicast off", kVariable, "root.Variable.Videoprotocol=3\n"},
+      {1, 0, 8, "0000", "without the variables", kVariable},
+      {7, 0, 8, "0000", "an unknown platform"},
+      {6, 0, 8, "0000", "without the network settings", "/etc/sysconfig/network.conf"}};
+  const char* codecs[] = {"H264\nChannel=1", "H264\nChannel=2", "JPEG\nChannel=1",
+                          "MPEG4\nChannel=1"};
+  const Slot enables[] = {Slot::ONVIF_RESOLUTION_H264, Slot::ONVIF_RESOLUTION_H264_2,
+                          Slot::ONVIF_RESOLUTION_JPEG, Slot::ONVIF_RESOLUTION_MPEG4};
+  testkit::Camera cam;
+  cam.startServer();
+  testkit::Files start = {
+      {"/etc/sysconfig/network.conf", testkit::golden("Multicast.network.conf.data")}};
+  for (const std::string& path : {kVariable, P + "AudioEncoder.conf", P + "VideoEncoder.conf"})
+    start.push_back({path, cam.read(path)});
+  for (int k = 1; k <= 8; ++k)
+    start.push_back({record(k), std::string("Encoding=") + codecs[(k - 1) % 4] +
+                                    "\nMultiIPv4Address=o\nMultiPort=o\nMultiTTL=o\n"});
+  testkit::Transcript t(cam);
+  for (const auto& c : cases) {
+    testkit::SlotValues slots = {{Slot::ONVIF_DEVICE, c.device},
+                                 {Slot::ONVIF_BRAND, c.brand},
+                                 {Slot::ONVIF_MULTIPLE_STREAM, c.layout},
+                                 {Slot::MULTICASTING, 9}};
+    for (int i = 0; i < 4; ++i) slots.push_back({enables[i], c.enabled[i] - '0'});
+    testkit::Files files = start;
+    if (!c.path.empty()) files.push_back({c.path, c.text});
+    t.run(testkit::format("Device %d, brand %d, layout %d, enabled %s: %s", c.device, c.brand,
+                          c.layout, c.enabled, c.why),
+          "-u 9", slots, files);
   }
+  t.expectGolden();
 }
 
 }  // namespace

@@ -2,156 +2,62 @@
 // what an earlier option already did when a later one fails.
 #include <gtest/gtest.h>
 
-#include "camera.h"
+#include "transcript.h"
 
 using shm::Slot;
 using testkit::Camera;
-using testkit::hasLine;
 using testkit::splitLines;
 
 namespace {
 
-const char* const kClosed[] = {"OnvifCtrl:onvifServer is closed.", "OnvifCtrl:Please start onvifServer first."};
-
-TEST(Options, NoArgumentsExit255Silently) {
+// A bad value fails the run with status 255 before the completion marker is
+// set; every accepted value sets it. Each run starts with the marker at 0.
+TEST(Options, BadAndAcceptedValues) {
+  const char* const bad[] = {"-u 37", "-u 97",  "-u 102", "-s 20",  "-s -1",    "-t 5",  "-r 5",
+                             "-p 0",  "-p 257", "-q 0",   "-i 1",   "-a 3",     "-d -1", "-d 3",
+                             "-x 1",  "-u",     "-b 0",   "-s 20x", "--bogus=1"};
+  const char* const good[] = {"-u 0", "-i 0",  "-s 19", "-p 256x",        "-t 2",
+                              "-r 0", "-a 2x", "-d 0",  "--onvif_ctrl 4", "not-an-option"};
+  const char* const longer[] = {"--onvif_conf_update=37", "-u 4294967297", "--server_state=9",
+                                "--onvif_conf_update=0"};
+  const Slot marker = static_cast<Slot>(shm::kMarkerSlot);
   Camera cam;
   cam.startServer();
-  testkit::RunResult r = cam.run({});
-  EXPECT_EQ(r.status, 255);
-  EXPECT_EQ(r.out, "");
-  EXPECT_EQ(cam.slot(shm::kMarkerSlot), 0);
+  testkit::Transcript t(cam);
+  t.run("No arguments: silently", "");
+  for (const char* args : bad) t.run("Bad", args, {{marker, 0}});
+  for (const char* args : good) t.run("Accepted", args, {{marker, 0}});
+  for (const char* args : longer) t.run("Long names and values", args, {{marker, 0}});
+  t.expectGolden();
 }
 
-TEST(Options, BadOptionsFailWithStatus255) {
+// The reset slot keeps its low byte and the server state is written back.
+TEST(Options, EarlierOptionsActAndSlotsAreWrittenBack) {
+  const Slot reset = Slot::ONVIF_RESET, state = Slot::SERVER_STATE;
+  const Slot names = Slot::RECORDING_NAME_FORMAT, motion = Slot::DEBUG_CELL_MOTION;
   Camera cam;
   cam.startServer();
-  const std::vector<std::vector<std::string>> bad = {
-      {"-u", "37"}, {"-u", "97"},  {"-u", "102"}, {"-s", "20"}, {"-s", "-1"}, {"-t", "5"},   {"-r", "5"},
-      {"-p", "0"},  {"-p", "257"}, {"-q", "0"},   {"-i", "1"},  {"-a", "3"},  {"-d", "-1"},  {"-x", "1"},
-      {"-u"},       {"--bogus=1"}, {"-s", "20x"}, {"-b", "0"},  {"--onvif_conf_update=37"},
-  };
-  for (const auto& args : bad) {
-    cam.setSlot(shm::kMarkerSlot, 0);
-    testkit::RunResult r = cam.run(args);
-    EXPECT_EQ(r.status, 255) << args[0];
-    EXPECT_EQ(r.out, "OnvifCtrl:Parameters initial failed(1).\n") << args[0];
-    EXPECT_EQ(cam.slot(shm::kMarkerSlot), 0) << args[0];
-  }
+  testkit::Transcript t(cam);
+  t.run("-u 27 acts, -s 0 never does, -u 98 is not reached", "-u 27 -s 0 -u 37x -u 98",
+        {{Slot::ONVIF_AUDIO_SUPPORT, 1}, {state, 1}});
+  for (int value : {300, 255, -1, 256, 7})
+    t.run(testkit::format("Reset %d", value), "-u 0", {{reset, value}, {state, 5}});
+  t.run("Recording names with end time", "-t 1", {{names, 7}});
+  t.run("Recording names without end time", "-t 2", {{names, 7}});
+  t.run("The long name reaches -t only, not its later rows", "--onvif_ctrl=3", {{motion, 7}});
+  t.run("Cell motion debugging off", "-t 4", {{motion, 7}});
+  t.expectGolden();
 }
 
-TEST(Options, AcceptedValuesSucceedAndMarkTheRun) {
-  Camera cam;
-  cam.startServer();
-  const std::vector<std::vector<std::string>> good = {
-      {"-u", "0"},  {"-s", "19"}, {"-p", "256x"}, {"-t", "2"}, {"-i", "0"},  {"-r", "0"},
-      {"-a", "2x"}, {"-d", "0"},  {"--server_state=9"}, {"--onvif_ctrl", "4"}, {"--onvif_conf_update=0"},
-      {"not-an-option"},
-  };
-  for (const auto& args : good) {
-    cam.setSlot(shm::kMarkerSlot, 0);
-    testkit::RunResult r = cam.run(args);
-    EXPECT_EQ(r.status, 0) << args[0] << r.out;
-    EXPECT_EQ(cam.slot(shm::kMarkerSlot), 78) << args[0];
-  }
-}
-
-TEST(Options, EarlierOptionsKeepTheirEffectWhenALaterOneFails) {
-  Camera cam;
-  cam.startServer({{Slot::ONVIF_AUDIO_SUPPORT, 1}, {Slot::SERVER_STATE, 1}});
-  testkit::RunResult r = cam.run({"-u", "27", "-s", "0", "-u", "37x", "-u", "98"});
-  EXPECT_EQ(r.status, 255);
-  EXPECT_EQ(r.out, "OnvifCtrl:Parameters initial failed(1).\n");
-  EXPECT_EQ(cam.slot(Slot::ONVIF_AUDIO_SUPPORT), 0);  // -u 27 ran
-  EXPECT_EQ(cam.slot(Slot::ONVIF_CTRL), 27);           // -u 98 did not
-  EXPECT_EQ(cam.slot(shm::kDiscoverySlot), 0);
-  EXPECT_EQ(cam.slot(Slot::SERVER_STATE), 1);  // no post-parse step
-}
-
-TEST(Options, ResetKeepsItsLowByteAndStateIsWrittenBack) {
-  struct Case {
-    int reset, after;
-  } cases[] = {{300, 44}, {255, 255}, {-1, 255}, {256, 0}, {7, 7}};
-  Camera cam;
-  cam.startServer();
-  for (const Case& c : cases) {
-    cam.setSlot(Slot::ONVIF_RESET, c.reset);
-    cam.setSlot(Slot::SERVER_STATE, 5);
-    EXPECT_EQ(cam.run({"-u", "0"}).status, 0);
-    EXPECT_EQ(cam.slot(Slot::ONVIF_RESET), c.after) << c.reset;
-    EXPECT_EQ(cam.slot(Slot::SERVER_STATE), 5);
-  }
-}
-
+// Without the block only -i, -t 0 and -r act, after the block's messages,
+// and a bad value still fails; a path without a segment is reported by shmget.
 TEST(Options, WithoutTheServerOnlyDiagnosticsAct) {
-  Camera cam;  // no block: /tmp/ONVIF_SHM/onvif does not exist
-  testkit::RunResult r = cam.run({"-u", "27", "-u", "1", "-s", "3", "-t", "3", "-p", "5", "-q", "5", "-a", "1",
-                                  "-d", "1", "-s", "2", "-i", "0", "-r", "0"});
-  EXPECT_EQ(r.status, 0);
-  std::vector<std::string> out = splitLines(r.out);
-  ASSERT_GE(out.size(), 4u);
-  EXPECT_EQ(out[0], "[ONVIFCtrl]getShareMemory: ftok error");
-  EXPECT_EQ(out[1], "[ONVIFCtrl]errno=2");
-  EXPECT_EQ(out[2], kClosed[0]);
-  EXPECT_EQ(out[3], kClosed[1]);
-  EXPECT_TRUE(hasLine(out, "ONVIF_Versions=2018 0208_01"));
-  EXPECT_EQ(std::vector<std::string>(out.end() - 4, out.end()),
-            (std::vector<std::string>{"---r1: start O1 recording.", "---r2: stop O1 recording.",
-                                      "---r3: GetRecordingSummary.", "---r4: Read DB file."}));
-  EXPECT_FALSE(hasLine(out, "Onvif check Password!"));
-  EXPECT_EQ(out.size(), 4u + 2u + 4u);
-  EXPECT_TRUE(cam.shellTrace().empty());
-  EXPECT_FALSE(cam.exists("/tmp/onvif_error"));
-
-  // A bad value still fails without the server.
-  r = cam.run({"-u", "37"});
-  EXPECT_EQ(r.status, 255);
-  EXPECT_TRUE(hasLine(splitLines(r.out), "OnvifCtrl:Parameters initial failed(1)."));
-}
-
-TEST(Options, ServerPathWithoutSegmentReportsShmget) {
   Camera cam;
-  cam.write("/tmp/ONVIF_SHM/onvif", "");
-  testkit::RunResult r = cam.run({"-i", "0"});
-  EXPECT_EQ(r.status, 0);
-  std::vector<std::string> out = splitLines(r.out);
-  ASSERT_EQ(out.size(), 6u);
-  EXPECT_EQ(out[0], "[ONVIFCtrl]getShareMemory: shmget error");
-  EXPECT_EQ(out[1], "[ONVIFCtrl]errno=2");
-  EXPECT_EQ(out[2], kClosed[0]);
-}
-
-TEST(Options, VersionLines) {
-  Camera cam;
-  cam.startServer();
-  std::vector<std::string> out = splitLines(cam.run({"-i", "0"}).out);
-  ASSERT_EQ(out.size(), 2u);
-  EXPECT_EQ(out[0], "ONVIF_Versions=2018 0208_01");
-  EXPECT_EQ(out[1].rfind("ONVIFCTRL_BuildTime=", 0), 0u);
-  EXPECT_EQ(out[1].size(), std::string("ONVIFCTRL_BuildTime=Feb  8 2018 17:24:28").size());
-}
-
-TEST(Options, TimeAndRecordingSwitches) {
-  struct Case {
-    std::vector<std::string> args;
-    Slot slot;
-    int expect;
-    const char* out;
-  } cases[] = {
-      {{"-t", "1"}, Slot::RECORDING_NAME_FORMAT, 1, "DEBUG : SET RECORDING NAME WITH ENDTIME.\n"},
-      {{"-t", "2"}, Slot::RECORDING_NAME_FORMAT, 0, "DEBUG : SET RECORDING NAME WITHOUT ENDTIME.\n"},
-      // The long name "onvif_ctrl" reaches -t only, not its later rows.
-      {{"--onvif_ctrl=3"}, Slot::DEBUG_CELL_MOTION, 1,
-       "DEBUG : SET CELL MOTION ON\nFILE AT : /tmp/onvif/debug_CM.txt\n"},
-      {{"-t", "4"}, Slot::DEBUG_CELL_MOTION, 0, "DEBUG : SET CELL MOTION OFF\n"},
-  };
-  Camera cam;
-  cam.startServer({{Slot::RECORDING_NAME_FORMAT, 7}, {Slot::DEBUG_CELL_MOTION, 7}});
-  for (const Case& c : cases) {
-    testkit::RunResult r = cam.run(c.args);
-    EXPECT_EQ(r.out, c.out);
-    EXPECT_EQ(cam.slot(c.slot), c.expect) << c.args[0];
-  }
-  EXPECT_EQ(cam.slot(723), 0);
+  testkit::Transcript t(cam);
+  t.run("Every option is checked", "-u 27 -u 1 -s 3 -t 3 -p 5 -q 5 -a 1 -d 1 -s 2 -i 0 -r 0");
+  t.run("A bad value still fails", "-u 37");
+  t.run("A path without a segment", "-r 0", {}, {{"/tmp/ONVIF_SHM/onvif", ""}});
+  t.expectGolden();
 }
 
 TEST(Options, TimePrintUsesTheZoneSegment) {
@@ -175,7 +81,8 @@ TEST(Options, TimePrintUsesTheZoneSegment) {
   out = splitLines(r.out);
   ASSERT_EQ(out.size(), 7u);
   EXPECT_EQ(r.err, "");
-  EXPECT_NE(out[6].substr(std::string("Local time=").size()), out[4].substr(std::string("UTC time=").size()));
+  EXPECT_NE(out[6].substr(std::string("Local time=").size()),
+            out[4].substr(std::string("UTC time=").size()));
 }
 
 }  // namespace

@@ -13,7 +13,7 @@
 #include <regex>
 #include <thread>
 
-#include "sync_helpers.h"
+#include "transcript.h"
 
 using shm::Slot;
 using testkit::Camera;

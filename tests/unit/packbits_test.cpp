@@ -1,9 +1,10 @@
 // The PackBits and hexadecimal codecs and the OSD colour conversion.
+#include "recording/packbits.h"
+
 #include <gtest/gtest.h>
 
 #include <random>
 
-#include "recording/packbits.h"
 #include "recording/selftest.h"
 #include "sync/ptz/osd.h"
 
@@ -22,12 +23,14 @@ TEST(PackBits, EncodesPacketsAtTheirLimits) {
   struct Case {
     const char* what;
     Bytes data, packed;
-  } cases[] = {
-      {"empty", {}, {}}, {"a pair stays literal", {7, 7}, {1, 7, 7}}, {"a run of 3", {7, 7, 7}, {254, 7}},
-      {"pair then run", {1, 1, 7, 7, 7}, {1, 1, 1, 254, 7}}, {"run of 128", fill(128, 9), {129, 9}},
-      {"run of 129", fill(129, 9), {129, 9, 0, 9}}, {"run of 131", fill(131, 9), {129, 9, 254, 9}},
-      {"129 literals are two packets", distinct129, literal129},
-  };
+  } cases[] = {{"empty", {}, {}},
+               {"a pair stays literal", {7, 7}, {1, 7, 7}},
+               {"a run of 3", {7, 7, 7}, {254, 7}},
+               {"pair then run", {1, 1, 7, 7, 7}, {1, 1, 1, 254, 7}},
+               {"run of 128", fill(128, 9), {129, 9}},
+               {"run of 129", fill(129, 9), {129, 9, 0, 9}},
+               {"run of 131", fill(131, 9), {129, 9, 254, 9}},
+               {"129 literals are two packets", distinct129, literal129}};
   for (const Case& c : cases) EXPECT_EQ(rec::packBitsEncode(c.data), c.packed) << c.what;
 }
 
@@ -36,10 +39,10 @@ TEST(PackBits, DecodesHeadersByTheirRules) {
     const char* what;
     Bytes packed, data;
     bool whole;
-  } cases[] = {
-      {"literal", {2, 1, 2, 3}, {1, 2, 3}, true}, {"header 128 repeats 129 times", {128, 5}, fill(129, 5), true},
-      {"repeat without its byte", {0, 4, 200}, {4}, false}, {"literal cut short", {4, 1, 2}, {1, 2}, false},
-  };
+  } cases[] = {{"literal", {2, 1, 2, 3}, {1, 2, 3}, true},
+               {"header 128 repeats 129 times", {128, 5}, fill(129, 5), true},
+               {"repeat without its byte", {0, 4, 200}, {4}, false},
+               {"literal cut short", {4, 1, 2}, {1, 2}, false}};
   for (const Case& c : cases) {
     Bytes out;
     EXPECT_EQ(rec::packBitsDecode(c.packed, out), c.whole) << c.what;
@@ -54,13 +57,14 @@ TEST(PackBits, RoundTripsArbitraryData) {
     unsigned alphabet = 1 + gen() % 4 * 80;  // few symbols give long runs
     for (std::size_t at = 0; at < data.size();) {
       std::size_t run = 1 + gen() % (gen() % 3 ? 3 : 200);
-      for (std::uint8_t b = static_cast<std::uint8_t>(gen() % alphabet); run-- > 0 && at < data.size();)
+      for (std::uint8_t b = static_cast<std::uint8_t>(gen() % alphabet);
+           run-- > 0 && at < data.size();)
         data[at++] = b;
     }
     Bytes packed = rec::packBitsEncode(data), back;
     ASSERT_TRUE(rec::packBitsDecode(packed, back));
     ASSERT_EQ(back, data) << "case " << i;
-    for (std::size_t at = 0; at < packed.size(); at += packed[at] > 128 ? 2 : packed[at] + 2u)
+    for (std::size_t at = 0; at < packed.size(); at += (packed[at] > 128 ? 2 : packed[at] + 2u))
       ASSERT_NE(packed[at], 128);
   }
 }
@@ -72,11 +76,10 @@ TEST(HexToBinary, ConvertsOrReportsTheText) {
 }
 
 TEST(OsdColour, NamedColoursInFullRangeYCbCr) {
-  const char* cases[][2] = {
-      {"black", "0.0 128.0 128.0"},  {"white", "255.0 128.0 128.0"}, {"red", "76.2 85.0 255.0"},
-      {"green", "149.7 43.5 21.2"},  {"blue", "29.1 255.0 107.3"},   {"yellow", "225.9 0.5 148.7"},
-      {"cyan", "178.8 171.0 0.5"},   {"magenta", "105.3 212.5 234.8"},
-  };
+  const char* cases[][2] = {{"black", "0.0 128.0 128.0"}, {"white", "255.0 128.0 128.0"},
+                            {"red", "76.2 85.0 255.0"},   {"green", "149.7 43.5 21.2"},
+                            {"blue", "29.1 255.0 107.3"}, {"yellow", "225.9 0.5 148.7"},
+                            {"cyan", "178.8 171.0 0.5"},  {"magenta", "105.3 212.5 234.8"}};
   for (const auto& c : cases) {
     std::optional<onvif::YCbCr> v = onvif::osdColour(c[0]);
     ASSERT_TRUE(v.has_value()) << c[0];

@@ -1,10 +1,12 @@
 // Scan patterns against the C library's sscanf, and where they must differ:
 // fields cut to their capacity and numbers clamped instead of overflowing.
+#include "conf/scan.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdio>
-
-#include "conf/scan.h"
+#include <string>
+#include <tuple>
 
 using conf::Field;
 using conf::scan;
@@ -13,75 +15,70 @@ using conf::scan;
 
 namespace {
 
-struct TextCase {
-  const char* line;
-  const char* pattern;
-};
-
-// One text value: must agree with sscanf on the count and on the value.
-TEST(ScanLine, OneTextValueAgreesWithSscanf) {
-  const TextCase cases[] = {
-      {"root.Network.IPAddress=192.168.1.10\n", "root.Network.IPAddress=%s\n"},
-      {"root.Network.IPAddress=\n", "root.Network.IPAddress=%s\n"},
-      {"root.Network.IPAddress=", "root.Network.IPAddress=%s\n"},
-      {"xroot.Network.IPAddress=1.2.3.4\n", "root.Network.IPAddress=%s\n"},
-      {"root.Network.HostName=my cam  01\n", "root.Network.HostName=%[^\n]\n"},
+// Text values must agree with sscanf on the count and on every value.
+TEST(ScanLine, TextValuesAgreeWithSscanf) {
+  const char* const ip = "root.Network.IPAddress=%s\n";
+  const char* const host = "root.Network.HostName=%[^\n]\n";
+  const char* const file = "profile filename=%s\n";
+  const char* const account = "%[^:]:%[^:]:%s\n";
+  const char* const cases[][2] = {
+      {"root.Network.IPAddress=192.168.1.10\n", ip},
+      {"root.Network.IPAddress=\n", ip},
+      {"root.Network.IPAddress=", ip},
+      {"xroot.Network.IPAddress=1.2.3.4\n", ip},
+      {"root.Network.HostName=my cam  01\n", host},
+      {"root.Network.HostName=\n", host},
       {"root.Network.HostName=my cam\r\n", "root.Network.HostName=%s\n"},
-      {"root.Network.HostName=\n", "root.Network.HostName=%[^\n]\n"},
-      {"profile filename=Profile1.profile\n", "profile filename=%s\n"},
-      {"profile   filename=P.profile\n", "profile filename=%s\n"},
-      {"profilefilename=P.profile\n", "profile filename=%s\n"},
+      {"profile filename=Profile1.profile\n", file},
+      {"profile   filename=P.profile\n", file},
+      {"profilefilename=P.profile\n", file},
       {"  VideoEncoder1.VEncoder trailing\n", "%s\n"},
       {"\n", "%s\n"},
       {"", "%s\n"},
       {"100%=x\n", "100%%=%s\n"},
-  };
-  for (const TextCase& c : cases) {
-    char expect[256] = {};
-    int expectCount = std::sscanf(c.line, c.pattern, expect);
-    Field<256> got;
-    EXPECT_EQ(scan(c.line, c.pattern, got), expectCount) << c.line;
-    EXPECT_STREQ(got.c_str(), expect) << c.line;
-  }
-}
-
-TEST(ScanLine, AccountPatternsAgreeWithSscanf) {
-  const char* lines[] = {"admin:Administrator:secret\n", "admin:Administrator:\n", "admin::x\n",
-                         "garbage\n", ":User:pw\n", "a:b:c:d\n", "op:Operator:two words\n", ""};
-  for (const char* line : lines) {
-    char n[256] = "N", l[256] = "L", p[256] = "P";
-    int expect = std::sscanf(line, "%[^:]:%[^:]:%s\n", n, l, p);
-    Field<256> gn, gl, gp;
-    gn = "N";
-    gl = "L";
-    gp = "P";
-    EXPECT_EQ(scan(line, "%[^:]:%[^:]:%s\n", gn, gl, gp), expect) << line;
-    EXPECT_STREQ(gn.c_str(), n) << line;
-    EXPECT_STREQ(gl.c_str(), l) << line;
-    EXPECT_STREQ(gp.c_str(), p) << line;
+      {"admin:Administrator:secret\n", account},
+      {"admin:Administrator:\n", account},
+      {"admin::x\n", account},
+      {"garbage\n", account},
+      {":User:pw\n", account},
+      {"a:b:c:d\n", account},
+      {"op:Operator:two words\n", account},
+      {"", account}};
+  for (const auto& [line, pattern] : cases) {
+    char a[256] = "A", b[256] = "B", c[256] = "C";
+    int expect = std::sscanf(line, pattern, a, b, c);
+    Field<256> fa, fb, fc;
+    fa = "A";
+    fb = "B";
+    fc = "C";
+    EXPECT_EQ(scan(line, pattern, fa, fb, fc), expect) << line;
+    EXPECT_EQ(std::string(fa.c_str()) + "|" + fb.c_str() + "|" + fc.c_str(),
+              std::string(a) + "|" + b + "|" + c)
+        << line;
   }
 }
 
 TEST(ScanLine, NumbersAgreeWithSscanfAndClamp) {
-  struct Case {
-    const char* line;
-    int count;
-    int value;
-  } cases[] = {
-      {"root.X=42\n", 1, 42},         {"root.X=-7\n", 1, -7},  {"root.X=+3\n", 1, 3},
-      {"root.X= 12abc\n", 1, 12},     {"root.X=abc\n", 0, -1}, {"root.X=\n", -1, -1},
-      {"root.X=99999999999\n", 1, 2147483647},                 {"root.X=-99999999999\n", 1, -2147483647 - 1},
-  };
-  for (const Case& c : cases) {
+  const std::tuple<const char*, int, int> cases[] = {// line, count, value
+                                                     {"root.X=42\n", 1, 42},
+                                                     {"root.X=-7\n", 1, -7},
+                                                     {"root.X=+3\n", 1, 3},
+                                                     {"root.X= 12abc\n", 1, 12},
+                                                     {"root.X=abc\n", 0, -1},
+                                                     {"root.X=\n", -1, -1},
+                                                     {"root.X=99999999999\n", 1, 2147483647},
+                                                     {"root.X=-99999999999\n", 1, -2147483647 - 1}};
+  for (const auto& [line, count, value] : cases) {
     int v = -1;
-    EXPECT_EQ(scan(c.line, "root.X=%d\n", v), c.count) << c.line;
-    EXPECT_EQ(v, c.value) << c.line;
+    EXPECT_EQ(scan(line, "root.X=%d\n", v), count) << line;
+    EXPECT_EQ(v, value) << line;
   }
 }
 
 TEST(ScanLine, LongValuesAreCutToCapacityMinusOne) {
   Field<8> shortField;
-  EXPECT_EQ(scan("root.Time.DST.Enabled=yesyesyesyes\n", "root.Time.DST.Enabled=%s\n", shortField), 1);
+  EXPECT_EQ(scan("root.Time.DST.Enabled=yesyesyesyes\n", "root.Time.DST.Enabled=%s\n", shortField),
+            1);
   EXPECT_STREQ(shortField.c_str(), "yesyesy");
 
   // The whole run is consumed, so the next field starts where sscanf's would.

@@ -1,10 +1,10 @@
 // Shell words and error-log text survive the real shell unchanged.
+#include "conf/shell.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdio>
 #include <string>
-
-#include "conf/shell.h"
 
 namespace {
 
@@ -17,10 +17,11 @@ std::string viaShell(const std::string& command) {
   return out;
 }
 
-const char* const kHostile[] = {
-    "plain/path.conf", "a b", "x;touch /tmp/pwned", "$(id)", "`id`", "it's", "\"q\"", "back\\slash",
-    "*.conf", "~root", "new\nline", "", "a'b'c", "$HOME", "100%",
-};
+const char* const kHostile[] = {"plain/path.conf", "a b",         "x;touch /tmp/pwned",
+                                "$(id)",           "`id`",        "it's",
+                                "\"q\"",           "back\\slash", "*.conf",
+                                "~root",           "new\nline",   "",
+                                "a'b'c",           "$HOME",       "100%"};
 
 TEST(ShellWord, IsOneWordThatTheShellPassesOnLiterally) {
   for (const char* s : kHostile)
@@ -28,8 +29,9 @@ TEST(ShellWord, IsOneWordThatTheShellPassesOnLiterally) {
 }
 
 TEST(ShellWord, OrdinaryNamesStayAsTheyAre) {
-  for (const char* s : {"/tmp/onvif/tmp/WS_Update_Network", "/usr/apache/htdocs/onvif/Profile1.profile",
-                        "VideoEncoder1.VEncoder", "a-b_c+d:e=f,g@h%i"})
+  for (const char* s :
+       {"/tmp/onvif/tmp/WS_Update_Network", "/usr/apache/htdocs/onvif/Profile1.profile",
+        "VideoEncoder1.VEncoder", "a-b_c+d:e=f,g@h%i"})
     EXPECT_EQ(conf::shellWord(s), s);
 }
 
