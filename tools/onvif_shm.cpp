@@ -181,7 +181,8 @@ int setAux(const shm::AuxSegment& a, const Args& args) {
   if (args.size() != 3) return usage();
   std::int32_t index = 0;
   std::int32_t value = 0;
-  if (!parseValue(args[1], index) || index < 0 || static_cast<std::size_t>(index) >= a.size / a.unit)
+  if (!parseValue(args[1], index) || index < 0 ||
+      static_cast<std::size_t>(index) >= a.size / a.unit)
     return fail("bad index '" + args[1] + "'");
   if (!parseValue(args[2], value)) return fail("bad value '" + args[2] + "'");
   shm::Segment seg = shm::findAuxSegment(a, nullptr);

@@ -18,7 +18,8 @@ int runOnvifCtrl(int argc, char** argv) {
   Requests req;
   // The tool passes a count of slots where a byte size is expected; the
   // lookup still succeeds because the server's segment is larger.
-  std::optional<shm::ShmBlock> block = shm::getShareMemory(shm::kServerShmPath, shm::kServerSlotCount);
+  std::optional<shm::ShmBlock> block =
+      shm::getShareMemory(shm::kServerShmPath, shm::kServerSlotCount);
   if (!block) {
     std::printf("OnvifCtrl:onvifServer is closed.\n");
     std::printf("OnvifCtrl:Please start onvifServer first.\n");

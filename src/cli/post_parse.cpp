@@ -72,7 +72,8 @@ void serverStateRequest(int request, shm::ShmBlock& block, int& savedState) {
 
 }  // namespace
 
-int PostParse(int serverState, int checkPassword, int debug, shm::ShmBlock& block, int& savedState) {
+int PostParse(int serverState, int checkPassword, int debug, shm::ShmBlock& block,
+              int& savedState) {
   passwordRequest(checkPassword, block);
   debugRequest(debug, block);
   serverStateRequest(serverState, block, savedState);

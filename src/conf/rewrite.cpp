@@ -40,7 +40,8 @@ Rule setOr(const std::string& key, const std::optional<std::string>& value) {
   return value ? set(key, *value) : keepLine(key);
 }
 
-RewriteJob inPlace(const std::string& routine, const std::string& path, const std::string& missing) {
+RewriteJob inPlace(const std::string& routine, const std::string& path,
+                   const std::string& missing) {
   RewriteJob job;
   job.routine = routine;
   job.source = path;

@@ -65,7 +65,7 @@ struct RewriteJob {
   std::string source;                // camera path of the file read
   std::string temp;                  // camera path of the temporary file
   std::vector<std::string> targets;  // copy-back targets, in order
-  std::string missing;               // error-log shape for a missing source ("%s": its path); "" logs nothing
+  std::string missing;  // error-log shape for a missing source ("%s": its path); "" logs nothing
   bool sync = true;                  // fsync/fdatasync before closing the temporary file
   const char* tempMode = "w";
   bool tempFirst = true;  // create the temporary file before testing the source

@@ -124,7 +124,8 @@ int scanLine(const char* line, const char* pattern, std::initializer_list<ScanSi
         }
         if (*in == '\0') return inputFailure();
         const char* start = in;
-        while (*in != '\0' && set.contains(*in) && static_cast<std::size_t>(in - start) < limit) ++in;
+        while (*in != '\0' && set.contains(*in) && static_cast<std::size_t>(in - start) < limit)
+          ++in;
         if (in == start) return assigned;
         if (!suppress) {
           store(target, start, static_cast<std::size_t>(in - start));

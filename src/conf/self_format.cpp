@@ -44,7 +44,8 @@ std::string number(const std::string& flags, int width, int precision, char conv
       break;
   }
   if (n < 0) return std::string();
-  return std::string(buf, static_cast<std::size_t>(n < static_cast<int>(sizeof buf) ? n : sizeof buf - 1));
+  return std::string(
+      buf, static_cast<std::size_t>(n < static_cast<int>(sizeof buf) ? n : sizeof buf - 1));
 }
 #pragma GCC diagnostic pop
 

@@ -55,18 +55,18 @@ int GetRecordingSummary() {
   // report it and print empty values rather than stale ones.
   if (conf::exists(kSummaryDefault)) {
     shell = conf::shellCopy("GetRecordingSummary", kSummaryDefault, kSummary);
-    if (!conf::scanConf(kSummary, {conf::str("RecordingNumber=", number), conf::str("DataFrom=", from),
-                                   conf::str("DataUntil=", until)}))
+    if (!conf::scanConf(kSummary, {conf::str("RecordingNumber=", number),
+                                   conf::str("DataFrom=", from), conf::str("DataUntil=", until)}))
       shell = conf::logError("[GetRecordingSummary]%s missing", kSummary);
   } else {
     shell = conf::logError("[GetRecordingSummary]%s missing", kSummaryDefault);
   }
   auto f = splitStamp(from.str());
   auto u = splitStamp(until.str());
-  std::printf("DataFrom = %s-%s-%sT%s:%s:%sZ\n", f[0].c_str(), f[1].c_str(), f[2].c_str(), f[3].c_str(),
-              f[4].c_str(), f[5].c_str());
-  std::printf("DataUntil = %s-%s-%sT%s:%s:%sZ\n", u[0].c_str(), u[1].c_str(), u[2].c_str(), u[3].c_str(),
-              u[4].c_str(), u[5].c_str());
+  std::printf("DataFrom = %s-%s-%sT%s:%s:%sZ\n", f[0].c_str(), f[1].c_str(), f[2].c_str(),
+              f[3].c_str(), f[4].c_str(), f[5].c_str());
+  std::printf("DataUntil = %s-%s-%sT%s:%s:%sZ\n", u[0].c_str(), u[1].c_str(), u[2].c_str(),
+              u[3].c_str(), u[4].c_str(), u[5].c_str());
   std::printf("NumberRecordings = %s\n", number.c_str());
   std::printf("\n");
   return shell;

@@ -34,7 +34,8 @@ void packbitDecodeSelfTest() {
   bool whole = packBitsDecode(kDecodeVector, data);
   for (std::size_t i = 0; i < data.size(); ++i)
     std::printf("------decode data[%d]:%s \n", static_cast<int>(i), hexByte(data[i]).c_str());
-  std::printf("------decode length[%d]:%d \n", static_cast<int>(kDecodeVector.size()), static_cast<int>(data.size()));
+  std::printf("------decode length[%d]:%d \n", static_cast<int>(kDecodeVector.size()),
+              static_cast<int>(data.size()));
   if (!whole) std::printf("------decode error: the last packet is cut short \n");
   std::printf("%s", bitsLine("Bin String: ", hexText(data, "")).c_str());
 }

@@ -86,8 +86,11 @@ const BackChannel kBackChannels[] = {
     {7, {false, true, true, true, true}},    {8, {true, true, true, true, false}},
 };
 
-const char* const kStreams[5][2] = {
-    {"jpeg", "jpeg"}, {"h264", "h264_1"}, {"h264", "h264_2"}, {"h264", "h264_3"}, {"h264", "h264_4"}};
+const char* const kStreams[5][2] = {{"jpeg", "jpeg"},
+                                    {"h264", "h264_1"},
+                                    {"h264", "h264_2"},
+                                    {"h264", "h264_3"},
+                                    {"h264", "h264_4"}};
 
 // The switches for the back-channel command; none when no command is run.
 // With the duplex mode "disable" every stream is switched off, whatever the
@@ -105,7 +108,8 @@ void runBackChannel(bool disabled, int layout) {
   if (!on) return;
   std::string command = conf::shellWord(conf::hostPath(kStreamCtl));
   for (int i = 0; i < 5; ++i)
-    command += std::string(" ") + kStreams[i][0] + " " + kStreams[i][1] + "_backchannel=" + ((*on)[i] ? "on" : "off");
+    command += std::string(" ") + kStreams[i][0] + " " + kStreams[i][1] +
+               "_backchannel=" + ((*on)[i] ? "on" : "off");
   conf::runShell(command);
 }
 
@@ -123,8 +127,8 @@ bool namesAudioEncoder(const char* line) {
 
 // Rewrites "/tmp/onvif/<name>" (or another folder); a missing record is
 // logged, a name that is not a plain file name refused.
-conf::Result rewriteRecord(const char* dir, const std::string& name, const char* routine, const char* missing,
-                           const std::vector<Rule>& rules) {
+conf::Result rewriteRecord(const char* dir, const std::string& name, const char* routine,
+                           const char* missing, const std::vector<Rule>& rules) {
   std::optional<std::string> path = conf::inFolder(routine, dir, name);
   if (!path) return conf::Result{conf::Status::SourceMissing, 0};
   return conf::rewrite(conf::inPlace(routine, *path, missing), rules);
@@ -175,20 +179,29 @@ void legacyEncoders(shm::ShmBlock& block, const WebAudio& web) {
     return Out::write(std::string("Bitrate=") + b->rate + "\n");
   };
   const std::vector<Rule> rules = {
-      conf::rule("Encoding=G711", [&](const char*) { g711 = true; return Out::write("Encoding=G711\n"); }),
-      conf::rule("Encoding=G726", [&](const char*) { g726 = true; return Out::write("Encoding=G726\n"); }),
+      conf::rule("Encoding=G711",
+                 [&](const char*) {
+                   g711 = true;
+                   return Out::write("Encoding=G711\n");
+                 }),
+      conf::rule("Encoding=G726",
+                 [&](const char*) {
+                   g726 = true;
+                   return Out::write("Encoding=G726\n");
+                 }),
       // A bit rate met with neither mark set is dropped from the record.
-      conf::rule("Bitrate=", [&](const char*) {
-        if (g711) {
-          g711 = false;
-          return rateWithin("G711");
-        }
-        if (g726) {
-          g726 = false;
-          return rateWithin("G726");
-        }
-        return Out::drop();
-      }),
+      conf::rule("Bitrate=",
+                 [&](const char*) {
+                   if (g711) {
+                     g711 = false;
+                     return rateWithin("G711");
+                   }
+                   if (g726) {
+                     g726 = false;
+                     return rateWithin("G726");
+                   }
+                   return Out::drop();
+                 }),
   };
   // A line whose name is refused runs nothing; the name held stays.
   Field<64> name;
@@ -222,14 +235,18 @@ void currentEncoder(shm::ShmBlock& block, const WebAudio& web) {
   int code = 0;
   const std::vector<Rule> rules = {
       conf::rule("Encoding=",
-                 [b](const char*) { return b ? Out::write(std::string("Encoding=") + b->codec + "\n") : Out::keep(); }),
-      conf::rule("Bitrate=", [b, &code](const char*) {
-        if (b == nullptr || b->rate == nullptr) return Out::keep();
-        code = b->code;
-        return Out::write(std::string("Bitrate=") + b->rate + "\n");
-      }),
+                 [b](const char*) {
+                   return b ? Out::write(std::string("Encoding=") + b->codec + "\n") : Out::keep();
+                 }),
+      conf::rule("Bitrate=",
+                 [b, &code](const char*) {
+                   if (b == nullptr || b->rate == nullptr) return Out::keep();
+                   code = b->code;
+                   return Out::write(std::string("Bitrate=") + b->rate + "\n");
+                 }),
   };
-  if (rewriteRecord(conf::kLiveDir, name.str(), kRoutine, kMissing, rules).done()) setAudioCode(block, code);
+  if (rewriteRecord(conf::kLiveDir, name.str(), kRoutine, kMissing, rules).done())
+    setAudioCode(block, code);
 }
 
 // "<key>NONE" when audio is off, else "<key><token>".
@@ -326,7 +343,8 @@ int Sync_AudioEncoder_By_StreamServer() {
   auto audioOn = [&]() {
     if (codec.is("JPEG")) return jpeg.is("on");
     for (int k = 0; k < 4; ++k)
-      if (h264[k].is("on") && token.holds(("VideoEncoder" + std::to_string(k + 1)).c_str())) return true;
+      if (h264[k].is("on") && token.holds(("VideoEncoder" + std::to_string(k + 1)).c_str()))
+        return true;
     return false;
   };
   const std::vector<Rule> rules = {
@@ -339,7 +357,8 @@ int Sync_AudioEncoder_By_StreamServer() {
       conf::rule("AudioEncoder=",
                  [&](const char*) {
                    if (!codec.is("H264") && !codec.is("JPEG")) return Out::keep();
-                   return Out::write(audioOn() ? "AudioEncoder=AudioEncoder1\n" : "AudioEncoder=NONE\n");
+                   return Out::write(audioOn() ? "AudioEncoder=AudioEncoder1\n"
+                                               : "AudioEncoder=NONE\n");
                  }),
   };
   if (!conf::forEachName(kStreamRoutine, conf::kProfileList, "profile filename=",

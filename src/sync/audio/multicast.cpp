@@ -32,8 +32,9 @@ using Value = Field<32>;
 
 // The web's RTP settings ("root.Network.RTP.R0." keys of network.conf).
 struct Rtp {
-  Value videoAddress, h264Port[4], mjpegPort, mpegPort, audioPort, ttl, audioTtl, audioAddress, mjpegAddress,
-      h264Address[4], h264AudioPort[4], mjpegAudioPort, h264Ttl[4], mjpegTtl, mjpegTtl2;
+  Value videoAddress, h264Port[4], mjpegPort, mpegPort, audioPort, ttl, audioTtl, audioAddress,
+      mjpegAddress, h264Address[4], h264AudioPort[4], mjpegAudioPort, h264Ttl[4], mjpegTtl,
+      mjpegTtl2;
 };
 
 // Keys in this order, the first found takes the line. The fourth H.264 TTL is
@@ -69,7 +70,9 @@ bool readRtp(Rtp& r) {
        conf::str(k + "H264TTL2=", r.h264Ttl[1]),
        conf::str(k + "H264TTL3=", r.h264Ttl[2]),
        conf::on("r" + k + "H264TTL4=",
-                [&r](const char* line) { conf::scan(line, "root.Network.RTP.R0.H264TTL4=%s\n", r.h264Ttl[3]); }),
+                [&r](const char* line) {
+                  conf::scan(line, "root.Network.RTP.R0.H264TTL4=%s\n", r.h264Ttl[3]);
+                }),
        conf::str(k + "MjpegTTL=", r.mjpegTtl),
        conf::str(k + "MjpegTTL2=", r.mjpegTtl2)});
 }
@@ -146,17 +149,21 @@ struct Generation {
   std::string text(const char* rest) const { return std::string(prefix) + rest; }
 };
 
-std::string videoRecord(int k) { return "/tmp/onvif/VideoEncoder" + std::to_string(k) + ".VEncoder"; }
+std::string videoRecord(int k) {
+  return "/tmp/onvif/VideoEncoder" + std::to_string(k) + ".VEncoder";
+}
 
 // The three multicast lines of an encoder record.
 std::vector<Rule> multicast(const Value& address, Rule port, const Value& ttl) {
-  return {conf::set("MultiIPv4Address=", address.str()), std::move(port), conf::set("MultiTTL=", ttl.str())};
+  return {conf::set("MultiIPv4Address=", address.str()), std::move(port),
+          conf::set("MultiTTL=", ttl.str())};
 }
 
 Rule portLine(const Value& port) { return conf::set("MultiPort=", port.str()); }
 Rule portLine(const Value* port) { return port ? portLine(*port) : conf::keepLine("MultiPort="); }
 
-void rewriteRecord(const std::string& path, const std::string& missing, const std::vector<Rule>& rules) {
+void rewriteRecord(const std::string& path, const std::string& missing,
+                   const std::vector<Rule>& rules) {
   conf::rewrite(conf::inPlace(kRoutine, path, missing), rules);
 }
 
@@ -169,11 +176,13 @@ void layoutBranch(shm::ShmBlock& block, const Rtp& r) {
   for (int k = 0; row != nullptr && k < 4; ++k) {
     Stream s = row->encoder[k];
     if (s != Stream::None)
-      rewriteRecord(videoRecord(k + 1), kMissing, multicast(addressOf(r, s), portLine(portOf(r, s)), r.ttl));
+      rewriteRecord(videoRecord(k + 1), kMissing,
+                    multicast(addressOf(r, s), portLine(portOf(r, s)), r.ttl));
   }
 
   if (block.get(Slot::ONVIF_BRAND) != 28) {
-    rewriteRecord(kAudioEncoder1, kAudioMissing, multicast(r.audioAddress, portLine(r.audioPort), r.ttl));
+    rewriteRecord(kAudioEncoder1, kAudioMissing,
+                  multicast(r.audioAddress, portLine(r.audioPort), r.ttl));
     return;
   }
   const std::string audioList = conf::kAudioEncoderList;
@@ -199,18 +208,22 @@ void codecBranch(const Rtp& r) {
   for (int k = 0; k < 2; ++k) {
     Field<64> codec;
     auto port = [&r, &codec, k](const char*) {
-      const Value* p = codec.is("H264") ? &r.h264Port[k] : codec.is("JPEG") ? &r.mjpegPort : nullptr;
+      const Value* p = codec.is("H264")   ? &r.h264Port[k]
+                       : codec.is("JPEG") ? &r.mjpegPort
+                                          : nullptr;
       return p != nullptr ? Out::write("MultiPort=" + p->str() + "\n") : Out::keep();
     };
     std::vector<Rule> rules = {conf::rule("Encoding=", [&codec](const char* line) {
       conf::scan(line, "Encoding=%s\n", codec);
       return Out::keep();
     })};
-    for (Rule& line : multicast(r.videoAddress, conf::rule("MultiPort=", port), r.ttl)) rules.push_back(std::move(line));
+    for (Rule& line : multicast(r.videoAddress, conf::rule("MultiPort=", port), r.ttl))
+      rules.push_back(std::move(line));
     rewriteRecord(videoRecord(k + 1), kMissing, rules);
   }
   // The audio encoder takes the video address, not the audio address.
-  rewriteRecord(kAudioEncoder1, kAudioMissing, multicast(r.videoAddress, portLine(r.audioPort), r.ttl));
+  rewriteRecord(kAudioEncoder1, kAudioMissing,
+                multicast(r.videoAddress, portLine(r.audioPort), r.ttl));
 }
 
 // Brands below 12: the records the video list names; each record's codec and
@@ -222,7 +235,8 @@ void listVariant(const Rtp& r, const Generation& g) {
         std::string path = conf::kLiveDir + name;
         Field<64> codec;
         int channel = 0;
-        if (!conf::scanConf(path, {conf::str("Encoding=", codec), conf::num("Channel=", channel)})) {
+        if (!conf::scanConf(path,
+                            {conf::str("Encoding=", codec), conf::num("Channel=", channel)})) {
           conf::logError(missing.c_str(), path);
           return true;
         }
@@ -242,8 +256,8 @@ void codecSlotVariant(shm::ShmBlock& block, const Rtp& r, const Generation& g) {
   int h264 = enabled(Slot::ONVIF_RESOLUTION_H264), h264_2 = enabled(Slot::ONVIF_RESOLUTION_H264_2),
       jpeg = enabled(Slot::ONVIF_RESOLUTION_JPEG), mpeg4 = enabled(Slot::ONVIF_RESOLUTION_MPEG4);
   for (const CodecSlotRow& row : kCodecSlots) {
-    if (row.secondGeneration != g.second || row.h264 != h264 || row.h264_2 != h264_2 || row.jpeg != jpeg ||
-        (row.mpeg4 != -1 && row.mpeg4 != mpeg4))
+    if (row.secondGeneration != g.second || row.h264 != h264 || row.h264_2 != h264_2 ||
+        row.jpeg != jpeg || (row.mpeg4 != -1 && row.mpeg4 != mpeg4))
       continue;
     for (int k = 0; k < 2; ++k)
       if (row.encoder[k] != Stream::None)

@@ -75,7 +75,8 @@ struct WebFields {
   Field<32> name, mask, password;
 };
 
-std::string accountLine(const std::string& name, const std::string& level, const std::string& password) {
+std::string accountLine(const std::string& name, const std::string& level,
+                        const std::string& password) {
   return name + ":" + level + ":" + password + "\n";
 }
 
@@ -150,8 +151,9 @@ int update_conf_add_user(int pass, const char* name, const char* mask, const cha
     return 0;
   }
   if (pass == 2)
-    return changeAccount(routine, conf::wsTemp(routine), name,
-                         [&](const Account& a) { return accountLine(name, a.level.str(), password); });
+    return changeAccount(routine, conf::wsTemp(routine), name, [&](const Account& a) {
+      return accountLine(name, a.level.str(), password);
+    });
   return 0;
 }
 
@@ -164,8 +166,9 @@ int update_conf_set_user(int pass, const char* name, const char* mask, const cha
                            return accountLine(name, levelOf(mask, block), a.password.str());
                          });
   if (pass == 2)
-    return changeAccount(routine, conf::wsTemp(routine), name,
-                         [&](const Account& a) { return accountLine(name, a.level.str(), password); });
+    return changeAccount(routine, conf::wsTemp(routine), name, [&](const Account& a) {
+      return accountLine(name, a.level.str(), password);
+    });
   return 0;
 }
 
@@ -183,9 +186,13 @@ bool CheckSystemUser(const char* name) {
   return found;
 }
 
-int Update_AddUser(shm::ShmBlock& block) { return syncAccounts("Update_AddUser", update_conf_add_user, block); }
+int Update_AddUser(shm::ShmBlock& block) {
+  return syncAccounts("Update_AddUser", update_conf_add_user, block);
+}
 
-int Update_SetUser(shm::ShmBlock& block) { return syncAccounts("Update_SetUser", update_conf_set_user, block); }
+int Update_SetUser(shm::ShmBlock& block) {
+  return syncAccounts("Update_SetUser", update_conf_set_user, block);
+}
 
 int Update_RemoveUser(shm::ShmBlock&) {
   // The missing line names the working copy although the list itself is read.

@@ -95,7 +95,8 @@ int listAllNameFields(shm::ShmBlock& block) {
     if (!seen[i]) added += kNameFields[i].added;
   if (!added.empty()) {
     conf::AppendStatus s = conf::appendText(kRecordings, added);
-    if (s == conf::AppendStatus::OpenFailed) shell = conf::logError("Update_Recording:%s missing", kRecordings);
+    if (s == conf::AppendStatus::OpenFailed)
+      shell = conf::logError("Update_Recording:%s missing", kRecordings);
     if (s == conf::AppendStatus::WriteFailed)
       shell = conf::logWriteFailed("Update_Recording", kRecordings);
   }
@@ -137,8 +138,8 @@ int Update_AlarmOutput_High_Low(shm::ShmBlock& block) {
   const std::string routine = "Update_AlarmOutput_High_Low";
   const std::string missing = routine + ":%s missing";
   Field<16> o0, o1;
-  if (!conf::scanConf(kOutputsConf,
-                      {conf::str("root.Output.O0.Active=", o0), conf::str("root.Output.O1.Active=", o1)}))
+  if (!conf::scanConf(kOutputsConf, {conf::str("root.Output.O0.Active=", o0),
+                                     conf::str("root.Output.O1.Active=", o1)}))
     conf::logError(missing.c_str(), kOutputsConf);
 
   const int ioType = block.get(Slot::ONVIF_IO_TYPE);
@@ -230,11 +231,13 @@ int Update_SD_CARD_STATUS(shm::ShmBlock& block) {
   int shell = 0;
   // Each line goes to the slot as it is read; a value that is not a number
   // leaves the slot as it was.
-  if (!conf::scanConf(kClinkConf, {conf::on("root.CLink.Onvif.Notification.SD.Interval=", [&](const char* line) {
-                        int interval = block.get(Slot::SD_CARD_EVENT_INTERVAL);
-                        conf::scan(line, "root.CLink.Onvif.Notification.SD.Interval=%d\n", interval);
-                        block.set(Slot::SD_CARD_EVENT_INTERVAL, interval);
-                      })}))
+  if (!conf::scanConf(
+          kClinkConf,
+          {conf::on("root.CLink.Onvif.Notification.SD.Interval=", [&](const char* line) {
+            int interval = block.get(Slot::SD_CARD_EVENT_INTERVAL);
+            conf::scan(line, "root.CLink.Onvif.Notification.SD.Interval=%d\n", interval);
+            block.set(Slot::SD_CARD_EVENT_INTERVAL, interval);
+          })}))
     shell = conf::logError("Update_SD_CARD_STATUS:%s missing", kClinkConf);
   std::printf("[PKW] Update Send SD CARD EVENT INTERVAL is %d seconds\n",
               static_cast<int>(block.get(Slot::SD_CARD_EVENT_INTERVAL)));
@@ -245,14 +248,15 @@ int Update_SmartCompression() {
   const char* missing = "[Update_SmartCompression] %s missing";
   Field<32> lbr;
   Field<64> mode1, dynamic1, mode2, dynamic2;
-  if (!conf::scanConf(kRateControlConf,
-                      {
-                          conf::str("root.Image.I0.RateControl.H264Mode.LBR.Auto=", lbr),
-                          conf::str("root.Image.I0.RateControl.H264VideoKeyFrameInterval.Mode=", mode1),
-                          conf::str("root.Image.I0.RateControl.H264VideoKeyFrameInterval.Dynamic=", dynamic1),
-                          conf::str("root.Image.I0.RateControl.H264_2VideoKeyFrameInterval.Mode=", mode2),
-                          conf::str("root.Image.I0.RateControl.H264_2VideoKeyFrameInterval.Dynamic=", dynamic2),
-                      }))
+  if (!conf::scanConf(
+          kRateControlConf,
+          {
+              conf::str("root.Image.I0.RateControl.H264Mode.LBR.Auto=", lbr),
+              conf::str("root.Image.I0.RateControl.H264VideoKeyFrameInterval.Mode=", mode1),
+              conf::str("root.Image.I0.RateControl.H264VideoKeyFrameInterval.Dynamic=", dynamic1),
+              conf::str("root.Image.I0.RateControl.H264_2VideoKeyFrameInterval.Mode=", mode2),
+              conf::str("root.Image.I0.RateControl.H264_2VideoKeyFrameInterval.Dynamic=", dynamic2),
+          }))
     conf::logError(missing, kRateControlConf);
 
   std::string level = "off";

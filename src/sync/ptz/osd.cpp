@@ -127,7 +127,8 @@ Placement placement(const std::string& web) {
   }
   double x = 0, y = 0;
   char tail = 0;
-  if (std::sscanf(web.c_str(), "%lf,%lf%c", &x, &y, &tail) == 2 && std::isfinite(x) && std::isfinite(y)) {
+  if (std::sscanf(web.c_str(), "%lf,%lf%c", &x, &y, &tail) == 2 && std::isfinite(x) &&
+      std::isfinite(y)) {
     p.x = number(std::clamp(x, -1.0, 1.0), 2);
     p.y = number(std::clamp(y, -1.0, 1.0), 2);
   }
@@ -228,7 +229,9 @@ int Update_OSD(shm::ShmBlock&) {
   conf::Result r = conf::rewrite(conf::inPlace(kRoutine, kOsdList, kMissing),
                                  {conf::rule("OSDToken=", [&](const char*) {
                                    std::size_t p = at++;
-                                   return p < elems.size() ? Out::write("OSDToken=" + tokens[p] + "\n") : Out::keep();
+                                   return p < elems.size()
+                                              ? Out::write("OSDToken=" + tokens[p] + "\n")
+                                              : Out::keep();
                                  })});
   shell = r.shell;
   if (!r.done()) return shell;

@@ -34,7 +34,8 @@ struct PresetSource {
   const char* pattern;
 };
 
-const PresetSource kPtzConf = {"/etc/dynamic/ptz.conf", "P", ".Label=", "root.PTZ.PresetPos.P%d.Label=%s\n"};
+const PresetSource kPtzConf = {"/etc/dynamic/ptz.conf", "P",
+                               ".Label=", "root.PTZ.PresetPos.P%d.Label=%s\n"};
 const PresetSource kPresetPtz = {"/etc/sysconfig/preset_ptz.conf", "root.preset.position",
                                  ".set=", "root.preset.position%d.set=%s\n"};
 const PresetSource kPresetListConf = {"/etc/sysconfig/presetlist.conf", "root.preset.position",
@@ -73,7 +74,9 @@ conf::Key stepValue(const char* key, std::vector<unsigned char>& list) {
   });
 }
 
-int stepAt(const std::vector<unsigned char>& list, std::size_t i) { return i < list.size() ? list[i] : 0; }
+int stepAt(const std::vector<unsigned char>& list, std::size_t i) {
+  return i < list.size() ? list[i] : 0;
+}
 
 // The five lines of each step, "T1.PresetToken=" to "T1.StayTime=PT10S".
 std::string stepGroups(const GuardTour& tour) {
@@ -82,7 +85,8 @@ std::string stepGroups(const GuardTour& tour) {
     std::string t = "T" + std::to_string(i + 1) + ".";
     std::string speed = std::to_string(stepAt(tour.speeds, i));
     out += t + "PresetToken=" + std::to_string(tour.presets[i]) + "\n";
-    out += t + "PanSpeed=" + speed + "\n" + t + "TiltSpeed=" + speed + "\n" + t + "ZoomSpeed=" + speed + "\n";
+    out += t + "PanSpeed=" + speed + "\n" + t + "TiltSpeed=" + speed + "\n" + t +
+           "ZoomSpeed=" + speed + "\n";
     out += t + "StayTime=PT" + std::to_string(stepAt(tour.dwells, i)) + "S\n";
   }
   return out;
@@ -99,7 +103,8 @@ void Update_SetPreset(shm::ShmBlock& block, int preset) {
   bool found = false;
   conf::forEachLine(src.file, [&](const char* line) {
     if (!conf::holds(line, key)) return true;
-    found = conf::scan(line, src.pattern, number, label) >= 1;  // the number read, not N, names the preset
+    // The number read, not N, names the preset.
+    found = conf::scan(line, src.pattern, number, label) >= 1;
     return false;
   });
   if (!found) return;
@@ -154,13 +159,15 @@ void UPDATE_PRESET_TOUR_FILES(const TourStates& states) {
 void UPDATE_PRESET_TOUR_X_CONF(const std::string& onvifTour, const std::string& guardTour) {
   const char* missing = "UPDATE_PRESET_TOUR_X_CONF:%s missing.";
   GuardTour tour;
-  if (!conf::scanConf(guardTour, {stepValue("PresetNbr=", tour.presets), stepValue("MoveSpeed=", tour.speeds),
-                                  stepValue("WaitTime=", tour.dwells)}))
+  if (!conf::scanConf(guardTour,
+                      {stepValue("PresetNbr=", tour.presets), stepValue("MoveSpeed=", tour.speeds),
+                       stepValue("WaitTime=", tour.dwells)}))
     conf::logError(missing, guardTour);  // the tour then loses all its steps
-  conf::rewrite(conf::inPlace("UPDATE_PRESET_TOUR_X_CONF", onvifTour, missing),
-                {conf::dropLine("PresetToken="), conf::dropLine("PanSpeed="), conf::dropLine("TiltSpeed="),
-                 conf::dropLine("ZoomSpeed="), conf::dropLine("StayTime="),
-                 conf::rule("Direction=", [&tour](const char*) { return Out::keepThen(stepGroups(tour)); })});
+  conf::rewrite(
+      conf::inPlace("UPDATE_PRESET_TOUR_X_CONF", onvifTour, missing),
+      {conf::dropLine("PresetToken="), conf::dropLine("PanSpeed="), conf::dropLine("TiltSpeed="),
+       conf::dropLine("ZoomSpeed="), conf::dropLine("StayTime="),
+       conf::rule("Direction=", [&tour](const char*) { return Out::keepThen(stepGroups(tour)); })});
 }
 
 int Update_PresetTour(shm::ShmBlock&) {

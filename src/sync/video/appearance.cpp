@@ -43,9 +43,11 @@ enum class Shape { Five, Four, Three };
 
 bool readAppearance(Appearance& a, Shape shape) {
   const char* pattern =
-      shape == Shape::Five  ? "root.Image.I0.Appearance.Resolution=%[^','],%[^','],%[^','],%[^','],%[^'\n']"
-      : shape == Shape::Four ? "root.Image.I0.Appearance.Resolution=%[^','],%[^','],%[^','],%[^'\n']"
-                             : "root.Image.I0.Appearance.Resolution=%[^','],%[^','],%[^'\n']";
+      shape == Shape::Five
+          ? "root.Image.I0.Appearance.Resolution=%[^','],%[^','],%[^','],%[^','],%[^'\n']"
+      : shape == Shape::Four
+          ? "root.Image.I0.Appearance.Resolution=%[^','],%[^','],%[^','],%[^'\n']"
+          : "root.Image.I0.Appearance.Resolution=%[^','],%[^','],%[^'\n']";
   const std::string p = "root.Image.I0.Appearance.";
   bool found = conf::scanConf(conf::kImageAppearanceConf, {
       conf::rest(p + "MjpegQfactor=", a.mjpegQ),
@@ -240,7 +242,9 @@ int multiStreamPath(int videoType, shm::ShmBlock& block) {
     if (!std::equal(active, active + 5, row.active)) continue;
     block.set(Slot::ONVIF_MULTIPLE_STREAM, row.code);
     for (int c = 0; c < 4; ++c)
-      block.set(kChannelSlots[c], row.channel[c] == kNoField ? 0 : GetResolutionCode(a.names[row.channel[c]].c_str()));
+      block.set(kChannelSlots[c], row.channel[c] == kNoField
+                                      ? 0
+                                      : GetResolutionCode(a.names[row.channel[c]].c_str()));
     break;
   }
 
@@ -249,7 +253,8 @@ int multiStreamPath(int videoType, shm::ShmBlock& block) {
   int code = block.get(Slot::ONVIF_MULTIPLE_STREAM);
   int shell = 0;
   bool listed = forEachEncoder(kRoutine, 4, false, [&](const std::string& name, int k) {
-    conf::Result r = rewriteEncoder(kRoutine, name, kEncoderMissing, multiStreamRules(a, width, height, code, k));
+    conf::Result r = rewriteEncoder(kRoutine, name, kEncoderMissing,
+                                    multiStreamRules(a, width, height, code, k));
     shell = r.shell;
     return r.status != conf::Status::SourceMissing;
   });
@@ -282,7 +287,8 @@ Legacy readLegacy(Appearance& a, int videoType, int device, shm::ShmBlock& block
 }
 
 // The values of the codec an "Encoding=" word names (H.264 stream 1 for "H264").
-std::optional<StreamValues> codecValues(const Appearance& a, const Legacy& l, const char* encoding) {
+std::optional<StreamValues> codecValues(const Appearance& a, const Legacy& l,
+                                        const char* encoding) {
   std::string e(encoding);
   if (e == "JPEG") return jpegValues(l.jpeg.width, l.jpeg.height, a.mjpegQ);
   if (e == "H264") return videoValues(l.h264.width, l.h264.height, a.bitrate[0], a.gov[0]);
@@ -299,7 +305,8 @@ int perCodecPath(int videoType, int device, shm::ShmBlock& block) {
   int shell = 0;
   bool listed = forEachEncoder(kRoutine, 0, false, [&](const std::string& name, int) {
     EncoderFacts facts;
-    if (!readEncoderFacts(name, facts)) {  // reported by the rewrite, which empties the temporary file
+    // A missing record is reported by the rewrite, which empties the temporary file.
+    if (!readEncoderFacts(name, facts)) {
       shell = rewriteEncoder(kRoutine, name, kEncoderMissing, {}).shell;
       return false;
     }
@@ -336,10 +343,12 @@ int twoEncoderPath(int videoType, int device, shm::ShmBlock& block) {
 
   int shell = 0;
   for (int k = 1; k <= 2; ++k) {
-    std::string missing = "[Update_Imapge_Appearance]ONVIF_VIDEO_ENCODER_" + std::to_string(k) + " missing";
+    std::string missing =
+        "[Update_Imapge_Appearance]ONVIF_VIDEO_ENCODER_" + std::to_string(k) + " missing";
     EncoderFacts facts;
     if (names[k].empty()) return conf::logError(missing);
-    if (!readEncoderFacts(names[k], facts)) return rewriteEncoder(kRoutine, names[k], missing, {}).shell;
+    if (!readEncoderFacts(names[k], facts))
+      return rewriteEncoder(kRoutine, names[k], missing, {}).shell;
     std::optional<std::string> encoding;
     if (static_cast<std::size_t>(k) <= enabled.size()) encoding = enabled[k - 1];
     StreamValues v = codecValues(a, l, encoding ? encoding->c_str() : facts.encoding.c_str())

@@ -45,8 +45,8 @@ bool readEncoderFacts(const std::string& name, EncoderFacts& facts) {
   });
 }
 
-conf::Result rewriteEncoder(const std::string& routine, const std::string& name, const std::string& missing,
-                            const std::vector<conf::Rule>& rules) {
+conf::Result rewriteEncoder(const std::string& routine, const std::string& name,
+                            const std::string& missing, const std::vector<conf::Rule>& rules) {
   return conf::rewrite(conf::inPlace(routine, encoderPath(name), missing), rules);
 }
 

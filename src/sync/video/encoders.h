@@ -36,8 +36,8 @@ bool readEncoderFacts(const std::string& name, EncoderFacts& facts);
 
 // Rewrites the record in place through the routine's temporary file; a
 // missing record logs `missing` (its "%s", if any, is the record's path).
-conf::Result rewriteEncoder(const std::string& routine, const std::string& name, const std::string& missing,
-                            const std::vector<conf::Rule>& rules);
+conf::Result rewriteEncoder(const std::string& routine, const std::string& name,
+                            const std::string& missing, const std::vector<conf::Rule>& rules);
 
 // A decimal number at the start of a text as atoi reads it (0 when there is
 // none), clamped to int.

@@ -69,12 +69,15 @@ int walkByCodec(const std::string& routine, int maxK, const std::vector<std::str
   int shell = 0;
   bool listed = forEachEncoder(routine, maxK, true, [&](const std::string& name, int) {
     EncoderFacts facts;
-    if (!readEncoderFacts(name, facts)) {  // reported by the rewrite, which empties the temporary file
+    // A missing record is reported by the rewrite, which empties the temporary file.
+    if (!readEncoderFacts(name, facts)) {
       shell = rewriteEncoder(routine, name, missing, {}).shell;
       return false;
     }
-    for (int stream : passesOf(facts))
-      shell = rewriteEncoder(routine, name, missing, {conf::set("FrameRateLimit=", rates[stream])}).shell;
+    for (int stream : passesOf(facts)) {
+      conf::Rule limit = conf::set("FrameRateLimit=", rates[stream]);
+      shell = rewriteEncoder(routine, name, missing, {limit}).shell;
+    }
     return true;
   });
   return listed ? shell : conf::logError(tag + "ONVIF_VIDEO_ENCODER_CONF missing");
@@ -116,7 +119,9 @@ int Update_framerate(int multiStream, int device, shm::ShmBlock& block) {
       shell = r.shell;
       return r.status != conf::Status::SourceMissing;
     });
-    return listed ? shell : conf::logError("onvifServer:[Update_framerate]ONVIF_VIDEO_ENCODER_CONF missing");
+    return listed
+               ? shell
+               : conf::logError("onvifServer:[Update_framerate]ONVIF_VIDEO_ENCODER_CONF missing");
   }
   return walkByCodec(routine, 6, rates, [](const EncoderFacts& f) {
     return codecPasses(f, kMjpeg, kH264, kKept, {{"2", kH264_2}, {"3", kH264_3}, {"4", kH264_4}});

@@ -77,10 +77,16 @@ struct ScaleRule {
 };
 
 const ScaleRule kScales[] = {
-    {"Brightness=", Slot::IMAGE_BRIGHTNESS, &Sensor::brightness, {false, 0, 63}, kKept, {false, 0, 255}},
-    {"ColorSaturation=", Slot::IMAGE_COLORLEVEL, &Sensor::colorLevel, {false, 0, 255}, kKept, {false, 0, 255}},
-    {"Contrast=", Slot::IMAGE_CONTRAST, &Sensor::contrast, {false, 0, 255}, kKept, {false, 0, 255}},
-    {"Sharpness=", Slot::IMAGE_SHARPNESS, &Sensor::sharpness, {false, 0, 255}, {false, 1, 14}, {false, 0, 15}},
+    // clang-format off
+    {"Brightness=",      Slot::IMAGE_BRIGHTNESS, &Sensor::brightness,
+     {false, 0, 63},  kKept,          {false, 0, 255}},
+    {"ColorSaturation=", Slot::IMAGE_COLORLEVEL, &Sensor::colorLevel,
+     {false, 0, 255}, kKept,          {false, 0, 255}},
+    {"Contrast=",        Slot::IMAGE_CONTRAST,   &Sensor::contrast,
+     {false, 0, 255}, kKept,          {false, 0, 255}},
+    {"Sharpness=",       Slot::IMAGE_SHARPNESS,  &Sensor::sharpness,
+     {false, 0, 255}, {false, 1, 14}, {false, 0, 15}},
+    // clang-format on
 };
 
 // The white-balance gains, written in manual white balance only.
@@ -88,7 +94,8 @@ struct GainRule {
   const char* key;
   Field<32> Sensor::*value;
 };
-const GainRule kGains[] = {{"WhiteBalance.CrGain=", &Sensor::rgain}, {"WhiteBalance.CbGain=", &Sensor::bgain}};
+const GainRule kGains[] = {{"WhiteBalance.CrGain=", &Sensor::rgain},
+                           {"WhiteBalance.CbGain=", &Sensor::bgain}};
 
 // White-balance words per device type.
 struct WhiteBalanceRow {
@@ -100,10 +107,12 @@ struct WhiteBalanceRow {
 const WhiteBalanceRow kWhiteBalance[] = {
     {2,
      {"auto", "fixed_indoor", "fixed_outdoor"},
-     {"manual", "manual25", "manual30", "manual33", "manual37", "manual41", "manual45", "manual48", "manual51",
-      "manual54", "manual57", "manual60"}},
+     {"manual", "manual25", "manual30", "manual33", "manual37", "manual41", "manual45",
+      "manual48", "manual51", "manual54", "manual57", "manual60"}},
     {4, {"auto", "fixed_indoor", "fixed_outdoor", "ATW"}, {"manual"}},
-    {0, {"auto", "indoor", "outdoor", "fixed_indoor", "fixed_outdoor", "ATW", "auto_noboundary"}, {"manual", "onepush"}},
+    {0,
+     {"auto", "indoor", "outdoor", "fixed_indoor", "fixed_outdoor", "ATW", "auto_noboundary"},
+     {"manual", "onepush"}},
 };
 
 const WhiteBalanceRow& whiteBalanceRow(int device) {

@@ -24,9 +24,12 @@ namespace {
 constexpr const char* kOptions = "/tmp/options.conf";
 constexpr const char* kAvailable = "/tmp/onvif/available_resolution";
 constexpr const char* kFiveFields = "%[^','],%[^','],%[^','],%[^','],%[^'\n']";
-constexpr const char* kShared[] = {"1080p", "sxga", "720p", "xga", "svga", "d1", "vga", "cif", "qcif"};
+constexpr const char* kShared[] = {"1080p", "sxga", "720p", "xga", "svga",
+                                   "d1",    "vga",  "cif",  "qcif"};
 
-std::string channelFile(int n) { return "/tmp/onvif/available_resolution_with_" + std::to_string(n) + "_channel"; }
+std::string channelFile(int n) {
+  return "/tmp/onvif/available_resolution_with_" + std::to_string(n) + "_channel";
+}
 
 // key + low + "%d\n": the upper end of a "low-high" range.
 conf::Key rangeMax(const std::string& key, const char* low, int& v) {
@@ -44,7 +47,9 @@ struct Combination {
 bool forEachCombination(const std::function<void(const Combination&)>& fn) {
   return conf::forEachLine(kAvailable, [&](const char* line) {
     Combination c;
-    if (conf::scan(line, kFiveFields, c.field[0], c.field[1], c.field[2], c.field[3], c.field[4]) != 5) return true;
+    if (conf::scan(line, kFiveFields, c.field[0], c.field[1], c.field[2], c.field[3], c.field[4]) !=
+        5)
+      return true;
     c.text = line;
     if (!c.text.empty() && c.text.back() == '\n') c.text.pop_back();
     fn(c);
@@ -53,7 +58,8 @@ bool forEachCombination(const std::function<void(const Combination&)>& fn) {
 }
 
 // Adds the lines that a channel file does not hold yet.
-void addLines(const std::string& routine, const std::string& path, const std::vector<std::string>& lines) {
+void addLines(const std::string& routine, const std::string& path,
+              const std::vector<std::string>& lines) {
   std::vector<std::string> have;
   conf::forEachLine(path, [&](const char* line) {
     std::string l(line);
@@ -169,7 +175,8 @@ int SAVE_MANY_CHANNELS_AVAILABLE_RESOLUTION() {
         for (const Field<16>& f : c.field) enabled += f.is("disable") ? 0 : 1;
         if (enabled >= 1 && enabled <= 4) byChannels[enabled - 1] += c.text + "\n";
       }))
-    return conf::logError("SAVE_MANY_CHANNELS_AVAILABLE_RESOLUTION File: %s missing!!!", kAvailable);
+    return conf::logError("SAVE_MANY_CHANNELS_AVAILABLE_RESOLUTION File: %s missing!!!",
+                          kAvailable);
   bool written = true;
   for (int n = 1; n <= 4 && written; ++n)
     written = conf::writeFile(routine, channelFile(n), byChannels[n - 1]);
@@ -198,8 +205,12 @@ int FindSameMaxResolutionWithManyChannel() {
     }
     if (!everyChannel) continue;
     const std::string s(name);
-    addLines(routine, channelFile(2), {s + "," + s + ",disable,disable,disable", "disable," + s + "," + s + ",disable,disable"});
-    addLines(routine, channelFile(3), {s + "," + s + "," + s + ",disable,disable", "disable," + s + "," + s + "," + s + ",disable"});
+    addLines(
+        routine, channelFile(2),
+        {s + "," + s + ",disable,disable,disable", "disable," + s + "," + s + ",disable,disable"});
+    addLines(routine, channelFile(3),
+             {s + "," + s + "," + s + ",disable,disable",
+              "disable," + s + "," + s + "," + s + ",disable"});
     return 0;
   }
   return 0;

@@ -8,7 +8,9 @@ using shm::Slot;
 
 namespace {
 
-bool contains(const char* name, const char* pattern) { return std::strstr(name, pattern) != nullptr; }
+bool contains(const char* name, const char* pattern) {
+  return std::strstr(name, pattern) != nullptr;
+}
 
 // A word and its size. Heights depend on the video standard for the
 // broadcast formats (pal differs from ntsc) and on the brand for "3m".
@@ -162,7 +164,8 @@ int GetResolutionCode(const char* name) {
 LegacyResolution GetLegacyResolutionIndex(const char* name, int videoType) {
   int index = 0;
   for (const LegacyRow& r : kLegacy) {
-    if (std::strcmp(name, r.name) == 0) return {true, index, r.width, videoType == 1 ? r.pal : r.ntsc};
+    if (std::strcmp(name, r.name) == 0)
+      return {true, index, r.width, videoType == 1 ? r.pal : r.ntsc};
     ++index;
   }
   return {false, 0, 0, 0};
