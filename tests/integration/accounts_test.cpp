@@ -20,7 +20,6 @@ TEST(Accounts, AddSetRemoveAndAdminUser) {
       {kPass, "a:1\nb:2\nc:3\nd:4\ne:5\n"}};
   const Slot brand = Slot::ONVIF_BRAND, region = Slot::BRAND_REGION;
   testkit::Camera cam;
-  cam.startServer();
   testkit::Transcript t(cam);
   t.run("An existing account keeps its level; a new one takes the last line's password field",
         "-u 24", {},

@@ -23,7 +23,6 @@ TEST(Audio, BitRateTableOnBothPaths) {
                                   {"40000", "G711"}, {"ulaw", "G711"},       {"alaw", "G711"},
                                   {"alaw", "G726"},  {"aac_128000", "G711"}, {"ULAW", "G711"}};
   Camera cam;
-  cam.startServer();
   cam.write(P + "AudioEncoder.conf", "AudioEncoder1.AEncoder\nAudioEncoder2.AEncoder x\n");
   testkit::Transcript t(cam);
   for (const auto& [token, codec] : cases) {
@@ -56,8 +55,8 @@ TEST(Audio, CurrentPathProfilesBackChannelAndCounts) {
                {4, 0, 0, "full", "x"},          {8, 44, 7, "disable", "disabled"},
                {4, 44, 6, "disable", "disable"}};
   const std::string profile = "AudioSource=x\nAudioEncoder=x\nAudioOutput=x\nAudioDecoder=x\n";
-  Camera cam("/tmp/onvifctrl audio $HOME-");  // the control program's path needs quoting
-  cam.startServer({{Slot::ONVIF_DEVICE, 6}});
+  // The control program's path needs quoting.
+  Camera cam({{Slot::ONVIF_DEVICE, 6}}, "/tmp/onvifctrl audio $HOME-");
   cam.write(kServer + "streamctl",
             "#!/bin/sh\nfor a; do printf '[%s]' \"$a\"; done >> \"$0.log\"\necho >> \"$0.log\"\n");
   chmod(cam.host(kServer + "streamctl").c_str(), 0755);
@@ -86,8 +85,7 @@ TEST(Audio, CurrentPathProfilesBackChannelAndCounts) {
 // missing encoder keeps D's codec.
 TEST(Audio, StreamServerSwitchesBindTheAudioEncoder) {
   const std::string conf = kServer + "StreamServer.conf";
-  Camera cam;
-  cam.startServer({{Slot::ONVIF_DEVICE, 6}, {Slot::ONVIF_BRAND, 40}});
+  Camera cam({{Slot::ONVIF_DEVICE, 6}, {Slot::ONVIF_BRAND, 40}});
   testkit::Transcript t(cam);
   t.run("H.264 streams 1 on and 2 off, JPEG on", "-u 4", {},
         testkit::fixture("Audio.streamserver.data"));

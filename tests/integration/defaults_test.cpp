@@ -28,7 +28,6 @@ Files persistent(const Files& more = {}) {
 TEST(Defaults, SoftResetRunsItsCommandsInOrder) {
   const Slot brand = Slot::ONVIF_BRAND;
   testkit::Camera cam;
-  cam.startServer();
   testkit::Transcript t(cam);
   t.run("Brand 0", "-s 3", {{brand, 0}}, persistent());
   t.run("Brand 42 restores the PTZ moves", "-s 3", {{brand, 42}}, persistent());
@@ -47,8 +46,7 @@ TEST(Defaults, SoftResetRunsItsCommandsInOrder) {
 }
 
 TEST(Defaults, HardResetRemovesEveryRecordThenRestoresTheShippedOnes) {
-  testkit::Camera cam;
-  cam.startServer({{Slot::ONVIF_BRAND, 62}});
+  testkit::Camera cam({{Slot::ONVIF_BRAND, 62}});
   testkit::Transcript t(cam);
   t.run(
       "Records no list names go too", "-s 4", {},

@@ -25,7 +25,6 @@ TEST(Device, RS485ControlSetsPanTiltZoomScopeAndProfiles) {
   const std::string odd = "/tmp/onvif/P;$(touch${IFS}pwned)'.profile";
   const std::string list = "/tmp/onvif/Profiles.conf";
   testkit::Camera cam;
-  cam.startServer();
   testkit::Transcript t(cam);
   for (const auto& [brand, switched, zf, saved] : cases) {
     t.run(
@@ -55,7 +54,6 @@ TEST(Device, RecordingChannelsInTheStreamSegment) {
   const std::string storage = "/etc/sysconfig/storage.conf";
   testkit::FixedKeyLock lock;
   testkit::Camera cam;
-  cam.startServer();
   cam.runShm({"stream-remove"});  // one an interrupted run left
   testkit::Transcript t(cam);
   t.run("The segment is missing", "-u 31");
@@ -82,7 +80,6 @@ TEST(Device, RecordingNames) {
       k + "A1\n" + k + "M1\n" + k + "N1\n" + k + "T1\n" + k + "R1\n" + k + "U1\n";
   const Slot name = Slot::RECORDING_NAME_FORMAT, brand = Slot::ONVIF_BRAND;
   testkit::Camera cam;
-  cam.startServer();
   testkit::Transcript t(cam);
   t.run("Without end time", "-u 18", {{brand, 5}, {name, 7}},
         {{storage, f + "0"}, {rec, k + "O1\n" + six + "x" + k + "O2\n"}});
@@ -117,11 +114,10 @@ TEST(Device, AlarmOutputsSlotSettingsAndSmartCompression) {
   const std::string conf = "/usr/apache/htdocs/onvif/SmartCompression.conf";
   const std::string rate = "/etc/sysconfig/image_ratecontrol.conf";
   const Slot io = Slot::ONVIF_IO_TYPE;
-  testkit::Camera cam;
-  cam.startServer({{Slot::ONVIF_IPV6_STATUS, 7},
-                   {Slot::PATH_DEVICE_IO, 7},
-                   {Slot::SD_CARD_EVENT_INTERVAL, 7},
-                   {io, 1}});
+  testkit::Camera cam({{Slot::ONVIF_IPV6_STATUS, 7},
+                       {Slot::PATH_DEVICE_IO, 7},
+                       {Slot::SD_CARD_EVENT_INTERVAL, 7},
+                       {io, 1}});
   testkit::Transcript t(cam);
   t.run("The idle state is the opposite of the active state", "-u 12", {},
         outputs("closed", "open"));

@@ -51,7 +51,6 @@ TEST(Multicast, PlatformsBranchesAndVariants) {
   const Slot enables[] = {Slot::ONVIF_RESOLUTION_H264, Slot::ONVIF_RESOLUTION_H264_2,
                           Slot::ONVIF_RESOLUTION_JPEG, Slot::ONVIF_RESOLUTION_MPEG4};
   testkit::Camera cam;
-  cam.startServer();
   testkit::Files start = {
       {"/etc/sysconfig/network.conf", testkit::golden("Multicast.network.conf.data")}};
   for (const std::string& path : {kVariable, P + "AudioEncoder.conf", P + "VideoEncoder.conf"})

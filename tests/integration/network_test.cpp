@@ -20,7 +20,6 @@ TEST(Network, UpdateNetworkWritesEveryRuleByModeBrandAndDevice) {
       kLive, golden("Network.onvif.conf.data")};
   const Slot brand = Slot::ONVIF_BRAND, device = Slot::ONVIF_DEVICE;
   testkit::Camera cam;
-  cam.startServer();
   testkit::Transcript t(cam);
   t.run("Static addresses of brand 40", "-u 1", {{brand, 40}, {device, 6}}, {{kNet, net}, conf});
   t.run("DHCP (the first BootProto line) of brand 24", "-u 1", {{brand, 24}}, {{kNet, dhcp}, conf});
@@ -49,7 +48,6 @@ TEST(Network, UpdateIPAddrAndScopes) {
   const std::string loc = "/etc/sysconfig/location.conf";
   const std::string host = "root.Network.HostName=Lobby " + std::string(70, 'n');
   testkit::Camera cam;
-  cam.startServer();
   testkit::Transcript t(cam);
   t.run("The address and the prefix of the first mask line", "-u 29", {},
         {{kNet,

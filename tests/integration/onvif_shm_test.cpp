@@ -8,6 +8,7 @@ namespace {
 
 TEST(OnvifShm, CreatesTheBlockTheToolAttaches) {
   testkit::Camera cam;
+  cam.stopServer();
   testkit::Transcript t(cam);
   t.run("Slots by name or index", "onvif-shm create ONVIF_BRAND=40 79=6 ONVIF_RESET=300");
   t.run("The block exists already", "onvif-shm create");

@@ -22,7 +22,6 @@ TEST(Options, BadAndAcceptedValues) {
                                 "--onvif_conf_update=0"};
   const Slot marker = static_cast<Slot>(shm::kMarkerSlot);
   Camera cam;
-  cam.startServer();
   testkit::Transcript t(cam);
   t.run("No arguments: silently", "");
   for (const char* args : bad) t.run("Bad", args, {{marker, 0}});
@@ -36,7 +35,6 @@ TEST(Options, EarlierOptionsActAndSlotsAreWrittenBack) {
   const Slot reset = Slot::ONVIF_RESET, state = Slot::SERVER_STATE;
   const Slot names = Slot::RECORDING_NAME_FORMAT, motion = Slot::DEBUG_CELL_MOTION;
   Camera cam;
-  cam.startServer();
   testkit::Transcript t(cam);
   t.run("-u 27 acts, -s 0 never does, -u 98 is not reached", "-u 27 -s 0 -u 37x -u 98",
         {{Slot::ONVIF_AUDIO_SUPPORT, 1}, {state, 1}});
@@ -53,6 +51,7 @@ TEST(Options, EarlierOptionsActAndSlotsAreWrittenBack) {
 // and a bad value still fails; a path without a segment is reported by shmget.
 TEST(Options, WithoutTheServerOnlyDiagnosticsAct) {
   Camera cam;
+  cam.stopServer();
   testkit::Transcript t(cam);
   t.run("Every option is checked", "-u 27 -u 1 -s 3 -t 3 -p 5 -q 5 -a 1 -d 1 -s 2 -i 0 -r 0");
   t.run("A bad value still fails", "-u 37");
@@ -63,6 +62,7 @@ TEST(Options, WithoutTheServerOnlyDiagnosticsAct) {
 TEST(Options, TimePrintUsesTheZoneSegment) {
   testkit::FixedKeyLock lock;
   Camera cam;
+  cam.stopServer();
   cam.runShm({"tz-remove"});
   testkit::RunResult r = cam.run({"-t", "0"});
   EXPECT_EQ(r.status, 0);

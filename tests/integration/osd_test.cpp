@@ -27,7 +27,6 @@ std::string settings(const std::string& sample, const testkit::Lines& changes) {
 // get records made from the template.
 TEST(UpdateOsd, SampleThenDisabledRecordsAndSubtitles) {
   testkit::Camera cam;
-  cam.startServer();
   const std::string sample = cam.read(kText);
   testkit::Transcript t(cam);
   t.run("The sample rewrites the same files", "-u 16");
@@ -49,7 +48,6 @@ TEST(UpdateOsd, PositionsColoursSizesAndBrands) {
                                                   {16, {"Color=blue", "StringPosition=topleft"}},
                                                   {42, {"Color=blue"}}};
   testkit::Camera cam;
-  cam.startServer();
   const std::string sample = cam.read(kText);
   testkit::Transcript t(cam);
   for (const auto& [brand, changes] : cases) {
@@ -65,7 +63,6 @@ TEST(UpdateOsd, PositionsColoursSizesAndBrands) {
 // removal.
 TEST(UpdateOsd, Failures) {
   testkit::Camera cam;
-  cam.startServer();
   const std::string sample = cam.read(kText);
   testkit::Transcript t(cam);
   t.run("No text settings", "-u 16", {}, {{kText, {}}});

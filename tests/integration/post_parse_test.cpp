@@ -11,7 +11,6 @@ namespace {
 TEST(PostParse, ServerStateAndDebugRequests) {
   const Slot state = Slot::SERVER_STATE, debug = Slot::ONVIF_DEBUG_LOG;
   testkit::Camera cam;
-  cam.startServer();
   testkit::Transcript t(cam);
   t.run("Password, then debug, then the server state", "-s 0 -d 1 -a 1", {{state, 1}});
   t.run("Stop a running server", "-s 0", {{state, 1}});
@@ -29,7 +28,6 @@ TEST(PostParse, ServerStateAndDebugRequests) {
 // the subscription dump the records with an index; -s 9 the image flags.
 TEST(PostParse, BlockDumps) {
   testkit::Camera cam;
-  cam.startServer();
   testkit::Transcript t(cam);
   t.run("The full dump", "-s 2",
         {{Slot::ONVIF_BRAND, 40},
@@ -55,7 +53,6 @@ TEST(PostParse, BlockDumps) {
 TEST(PostParse, SegmentDumps) {
   testkit::FixedKeyLock lock;
   testkit::Camera cam;
-  cam.startServer();
   cam.runShm({"stream-remove"});  // one an interrupted run left
   testkit::Transcript t(cam);
   t.run("No video analytics segment", "-s 6");

@@ -35,7 +35,6 @@ TEST(Presets, SetAndDeleteSourcesLabelsAndSilentFailures) {
       {2, 0, "no PTZ settings", kPtz, std::nullopt, "-p 5"},
       {2, 0, "no preset list", kPresets, std::nullopt, "-p 5"}};
   testkit::Camera cam;
-  cam.startServer();
   testkit::Files start = {{kPresets,
                            "preset1.token.name=YES,1,A\npreset5.token.name=\n"
                            "preset11.token.name=YES,11,B\npreset15.token.name=\n"}};
@@ -56,7 +55,6 @@ TEST(Presets, SetAndDeleteSourcesLabelsAndSilentFailures) {
 TEST(Presets, ToursFollowTheGuardTours) {
   const std::string state = "/etc/dynamic/guardtourstate.conf";
   testkit::Camera cam;
-  cam.startServer();
   testkit::Transcript t(cam);
   t.run("Tours 1, 3 and 4 set", "-u 14", {},
         testkit::fixture("Presets.tours.data", {{"/etc/dynamic/guardtour3.conf", {}}}));

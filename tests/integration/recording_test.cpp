@@ -14,7 +14,6 @@ namespace {
 TEST(RecordingControl, StartAndStopRequestsLeaveTheStreamFlags) {
   testkit::FixedKeyLock lock;
   Camera cam;
-  cam.startServer();
   cam.runShm({"stream-remove"});  // one an interrupted run left
   testkit::Transcript t(cam);
   t.run("Start without the segment", "-r 1");
@@ -30,8 +29,7 @@ TEST(RecordingControl, StartAndStopRequestsLeaveTheStreamFlags) {
 }
 
 TEST(RecordingControl, SummaryAndDatabase) {
-  Camera cam("/tmp/onvifctrl test $HOME-");
-  cam.startServer();
+  Camera cam({}, "/tmp/onvifctrl test $HOME-");
   cam.write("/usr/sbin/test_db", "#!/bin/sh\necho \"test_db mode=$mode\"\n");
   ASSERT_EQ(chmod(cam.host("/usr/sbin/test_db").c_str(), 0755), 0);
   testkit::Transcript t(cam);
@@ -44,8 +42,7 @@ TEST(RecordingControl, SummaryAndDatabase) {
 
 // The self-tests run with the protect flag raised and record their number.
 TEST(CodecSelfTests, PrintTheirVectors) {
-  Camera cam;
-  cam.startServer({{Slot::WEB_SYNC_PROTECT, 1}});
+  Camera cam({{Slot::WEB_SYNC_PROTECT, 1}});
   testkit::Transcript t(cam);
   t.run("PackBits decoding", "-u 99");
   t.run("PackBits encoding", "-u 100");

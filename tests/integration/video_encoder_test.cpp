@@ -24,7 +24,7 @@ std::string encoderPath(int k) { return format("/tmp/onvif/VideoEncoder%d.VEncod
 void setKey(const Camera& cam, const std::string& path, const std::string& key,
             const std::string& value) {
   std::string text;
-  for (const std::string& l : cam.lines(path))
+  for (const std::string& l : testkit::splitLines(cam.read(path)))
     text += (l.rfind(key + "=", 0) == 0 ? key + "=" + value : l) + "\n";
   cam.write(path, text);
 }
@@ -57,8 +57,7 @@ TEST(VideoAppearance, MultiStreamLayouts) {
       {"disable,d1,disable,disable,disable", 19}};
   testkit::Transcript t;
   for (auto [resolution, videoType] : cases) {
-    Camera cam;
-    cam.startServer({{Slot::ONVIF_DEVICE, 6}, {Slot::ONVIF_MULTIPLE_STREAM, 4}});
+    Camera cam({{Slot::ONVIF_DEVICE, 6}, {Slot::ONVIF_MULTIPLE_STREAM, 4}});
     setKey(cam, kApp, kResolution, resolution);
     scramble(cam);
     addTwoKeyLine(cam);
@@ -79,8 +78,7 @@ TEST(VideoAppearance, LayoutCodesSetElsewhere) {
   const int cases[][2] = {{9, 28}, {10, 0}, {11, 28}, {13, 0}, {7, 28}, {20, 0}};  // layout, brand
   testkit::Transcript t;
   for (const auto& [layout, brand] : cases) {
-    Camera cam;
-    cam.startServer({{Slot::ONVIF_DEVICE, 6}});
+    Camera cam({{Slot::ONVIF_DEVICE, 6}});
     setKey(cam, kApp, kResolution, "disable,disable,disable,disable,disable");
     setKey(cam, kApp, "root.Image.I0.Appearance.Mjpeg_2Qfactor", "70");
     scramble(cam);
@@ -102,11 +100,10 @@ TEST(VideoAppearance, PerCodecAndTwoEncoderPaths) {
                                                               {"disable,disable,vga", {7, 0, 0}}};
   testkit::Transcript t;
   for (const auto& [resolution, c] : cases) {
-    Camera cam;
-    cam.startServer({{Slot::ONVIF_RESOLUTION_MPEG4, 99},
-                     {Slot::ONVIF_RESOLUTION_JPEG, 99},
-                     {Slot::ONVIF_RESOLUTION_H264, 99},
-                     {Slot::ONVIF_RESOLUTION_H264_2, 99}});
+    Camera cam({{Slot::ONVIF_RESOLUTION_MPEG4, 99},
+                {Slot::ONVIF_RESOLUTION_JPEG, 99},
+                {Slot::ONVIF_RESOLUTION_H264, 99},
+                {Slot::ONVIF_RESOLUTION_H264_2, 99}});
     setKey(cam, kApp, kResolution, resolution);
     if (c[0] == 2) setKey(cam, encoderPath(3), "Encoding", "MPEG4");
     addTwoKeyLine(cam);
@@ -179,7 +176,6 @@ TEST(VideoFrameRate, ByLayoutCodeOrByCodec) {
   testkit::Transcript t;
   for (const auto& [device, layout, command] : cases) {
     Camera cam;
-    cam.startServer();
     const bool skip = command == 6;
     setKey(cam, encoderPath(3), skip ? "Encoding" : "Channel", skip ? "MPEG4" : "4");
     t.on(cam).run(format("Device %d, layout %d", device, layout), format("-u %d", command),
@@ -194,7 +190,6 @@ TEST(VideoFrameRate, ByLayoutCodeOrByCodec) {
 TEST(VideoProfiles, H264ProfileAndEncodingPriority) {
   const std::string a = "root.Image.I0.Appearance.";
   Camera cam;
-  cam.startServer();
   cam.write(kApp, a + "H264Profile=baseline\n" + a + "H264_2Profile=high\n" + a +
                       "H264_3Profile=High\n" + a + "H264_4Profile=baseline\n");
   testkit::Transcript t(cam);

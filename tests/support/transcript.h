@@ -19,12 +19,13 @@
 
 namespace testkit {
 
-using Lines = std::vector<std::string>;
 using Files = std::vector<std::pair<std::string, std::optional<std::string>>>;  // no text: no file
-using SlotValues = std::vector<std::pair<shm::Slot, int>>;
 
 // Writes each file, or removes it when its text is absent.
 void put(const Camera& cam, const Files& files);
+
+// The blank-separated words of a text.
+Lines words(const std::string& text);
 
 // printf into a string.
 std::string format(const char* pattern, ...) __attribute__((format(printf, 1, 2)));
