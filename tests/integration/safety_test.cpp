@@ -207,55 +207,24 @@ TEST(Safety, AFullDiskNeverLeavesAFileEmptiedOrHalfWritten) {
   }
 }
 
-struct AppendRow {
-  std::string command;
-  SlotValues slots;
-  Files before;
-  std::string file;
-  std::string after;  // a regular expression
-};
-
+// Two accounts, then recording names, an error-log line and a DebugLog line,
+// each appended to a file whose last line has no newline.
 TEST(Safety, AnAppendEndsAnUnterminatedLastLineFirst) {
-  std::string names;
-  for (const char* f : {"A1", "M1", "N1", "T1", "R1", "U1", "V0"})
-    names += std::string("RecordingFile=") + f + "\n";
   const std::string recordings = kPersist + "Recordings.conf";
-  const std::string storage = "/etc/sysconfig/storage.conf";
-  const std::string privacy = "/etc/appWeb/appweb.privacy", pass = "/etc/appWeb/appweb.pass";
-  const std::string debugLog = "/tmp/onvif/DebugLog", errorLog = "/tmp/onvif_error";
-  const AppendRow rows[] = {
-      {"-u 24",
-       {},
-       {{kUsers, "admin:Administrator:a"},
-        {privacy, "admin:1:1:1:1\nbob:1:1:0:0\n"},
-        {pass, "admin:a\nbob:b\n"}},
-       kUsers,
-       "admin:Administrator:a\nbob:Operator:b\n"},
-      {"-u 18",
-       {},
-       {{storage, "root.Storage.FileNameFormat=1\n"}, {recordings, "RecordingFile=A1"}},
-       recordings,
-       names},
-      {"-u 18", {}, {}, recordings, names},
-      {"-u 27",
-       {{Slot::ONVIF_DEBUG_LOG, 1}},
-       {{debugLog, "old"}},
-       debugLog,
-       "old\n\\d\\d:\\d\\d:\\d\\d API Set Without Audio\n"},
-      {"-u 20",
-       {},
-       {{errorLog, "old"}, {"/etc/sysconfig/network.conf", {}}},
-       errorLog,
-       "old\nUpdate_IPV6: /etc/sysconfig/network.conf missing\n"},
-  };
   Camera cam;
-  for (const AppendRow& row : rows) {
-    cam.startServer(row.slots);
-    testkit::put(cam, row.before);
-    cam.run(testkit::words(row.command));
-    EXPECT_TRUE(std::regex_match(cam.read(row.file), std::regex(row.after)))
-        << row.command << ": " << cam.read(row.file);
-  }
+  testkit::Transcript t(cam);
+  t.run("Accounts", "-u 24", {},
+        {{kUsers, "admin:Administrator:a"},
+         {"/etc/appWeb/appweb.privacy", "admin:1:1:1:1\nbob:1:1:0:0\n"},
+         {"/etc/appWeb/appweb.pass", "admin:a\nbob:b\n"}});
+  t.run("Recording names", "-u 18", {},
+        {{"/etc/sysconfig/storage.conf", "root.Storage.FileNameFormat=1\n"},
+         {recordings, "RecordingFile=A1"}});
+  t.run("The names are there", "-u 18");
+  t.run("The error log", "-u 20", {},
+        {{"/tmp/onvif_error", "old"}, {"/etc/sysconfig/network.conf", {}}});
+  t.run("The DebugLog", "-u 27", {{Slot::ONVIF_DEBUG_LOG, 1}}, {{"/tmp/onvif/DebugLog", "old"}});
+  t.expectGolden();
 }
 
 // Rounds of 20 runs at once on one camera: -p and -q on presets of their own,
