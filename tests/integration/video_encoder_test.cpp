@@ -17,6 +17,7 @@ namespace {
 
 const std::string kApp = "/etc/sysconfig/image_appearance.conf";
 const std::string kResolution = "root.Image.I0.Appearance.Resolution";
+const Slot kLayout = Slot::ONVIF_MULTIPLE_STREAM;
 
 std::string encoderPath(int k) { return format("/tmp/onvif/VideoEncoder%d.VEncoder", k); }
 
@@ -57,7 +58,7 @@ TEST(VideoAppearance, MultiStreamLayouts) {
       {"disable,d1,disable,disable,disable", 19}};
   testkit::Transcript t;
   for (auto [resolution, videoType] : cases) {
-    Camera cam({{Slot::ONVIF_DEVICE, 6}, {Slot::ONVIF_MULTIPLE_STREAM, 4}});
+    Camera cam({{Slot::ONVIF_DEVICE, 6}, {kLayout, 4}});
     setKey(cam, kApp, kResolution, resolution);
     scramble(cam);
     addTwoKeyLine(cam);
@@ -83,7 +84,7 @@ TEST(VideoAppearance, LayoutCodesSetElsewhere) {
     setKey(cam, kApp, "root.Image.I0.Appearance.Mjpeg_2Qfactor", "70");
     scramble(cam);
     t.on(cam).run(format("Layout %d, brand %d", layout, brand), "-u 2",
-                  {{Slot::ONVIF_BRAND, brand}, {Slot::ONVIF_MULTIPLE_STREAM, layout}});
+                  {{Slot::ONVIF_BRAND, brand}, {kLayout, layout}});
   }
   t.expectGolden();
 }
@@ -114,15 +115,11 @@ TEST(VideoAppearance, PerCodecAndTwoEncoderPaths) {
   t.expectGolden();
 }
 
-// Starts the server of a layout-8 camera with two streams; the routines'
-// temporary files hold a stale line.
-testkit::Transcript& start(testkit::Transcript& t, Camera& cam, int device, int brand) {
-  cam.startServer(
-      {{Slot::ONVIF_DEVICE, device}, {Slot::ONVIF_BRAND, brand}, {Slot::ONVIF_MULTIPLE_STREAM, 8}});
+// Two streams of layout 8; the routines' temporary files hold a stale line.
+void twoStreams(const Camera& cam) {
   setKey(cam, kApp, kResolution, "disable,1080p,720p,disable,disable");
   cam.write("/tmp/onvif/tmp/WS_Update_Imapge_Appearance", "stale\n");
   cam.write("/tmp/onvif/tmp/WS_Update_framerate", "stale\n");
-  return t.on(cam);
 }
 
 // A missing file is one error-log line; a missing list or record ends an
@@ -147,10 +144,10 @@ void missingFiles(std::initializer_list<int> commands) {
   testkit::Transcript t;
   for (const auto& [device, brand, command, path] : cases) {
     if (std::find(commands.begin(), commands.end(), command) == commands.end()) continue;
-    Camera cam;
-    start(t, cam, device, brand)
-        .run(format("Device %d, brand %d, without %s", device, brand, path.c_str()),
-             format("-u %d", command), {}, {{path, {}}});
+    Camera cam({{Slot::ONVIF_DEVICE, device}, {Slot::ONVIF_BRAND, brand}, {kLayout, 8}});
+    twoStreams(cam);
+    t.on(cam).run(format("Device %d, brand %d, without %s", device, brand, path.c_str()),
+                  format("-u %d", command), {}, {{path, {}}});
   }
   t.expectGolden();
 }
@@ -160,13 +157,13 @@ TEST(VideoSync, MissingFilesOfTheFrameRatesAndProfiles) { missingFiles({5, 6, 15
 TEST(VideoSync, MissingFilesOfTheLimitsAndImaging) { missingFiles({13, 3, 7, 10}); }
 
 TEST(VideoAppearance, ProfileListNamingAMissingProfileIsCountedPast) {
-  Camera cam;
-  testkit::Transcript t;
-  start(t, cam, 6, 0)
-      .run("A profile list naming a missing profile", "-u 2", {},
-           {{"/tmp/onvif/Profiles.conf",
-             "profile filename=Profile9.profile\nprofile filename=Profile1.profile\n"
-             "profile filename=Profile2.profile\n"}});
+  Camera cam({{Slot::ONVIF_DEVICE, 6}, {kLayout, 8}});
+  twoStreams(cam);
+  testkit::Transcript t(cam);
+  t.run("A profile list naming a missing profile", "-u 2", {},
+        {{"/tmp/onvif/Profiles.conf",
+          "profile filename=Profile9.profile\nprofile filename=Profile1.profile\n"
+          "profile filename=Profile2.profile\n"}});
   t.expectGolden();
 }
 
@@ -179,7 +176,7 @@ TEST(VideoFrameRate, ByLayoutCodeOrByCodec) {
     const bool skip = command == 6;
     setKey(cam, encoderPath(3), skip ? "Encoding" : "Channel", skip ? "MPEG4" : "4");
     t.on(cam).run(format("Device %d, layout %d", device, layout), format("-u %d", command),
-                  {{Slot::ONVIF_DEVICE, device}, {Slot::ONVIF_MULTIPLE_STREAM, layout}},
+                  {{Slot::ONVIF_DEVICE, device}, {kLayout, layout}},
                   testkit::fixture("VideoFrameRate.data"));
   }
   t.expectGolden();
@@ -195,7 +192,7 @@ TEST(VideoProfiles, H264ProfileAndEncodingPriority) {
   testkit::Transcript t(cam);
   for (int layout : {3, 6, 7, 8, 10}) {
     scramble(cam);
-    t.run(format("Layout %d", layout), "-u 15", {{Slot::ONVIF_MULTIPLE_STREAM, layout}});
+    t.run(format("Layout %d", layout), "-u 15", {{kLayout, layout}});
   }
   setKey(cam, encoderPath(2), "Encoding", "H265");
   t.run("Encoding priority", "-u 19", {},

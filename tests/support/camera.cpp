@@ -33,14 +33,6 @@ void sh(const std::string& command) {
   if (rc != 0) throw std::runtime_error("command failed: " + command);
 }
 
-std::string realTool(const char* name) {
-  for (const char* dir : {"/bin/", "/usr/bin/"}) {
-    std::string p = std::string(dir) + name;
-    if (access(p.c_str(), X_OK) == 0) return p;
-  }
-  return name;
-}
-
 // A wrapper that records its command line, then runs the real tool.
 void writeTraceWrapper(const std::string& dir, const char* name) {
   std::string path = dir + "/" + name;
@@ -49,9 +41,17 @@ void writeTraceWrapper(const std::string& dir, const char* name) {
       << "{ printf '%s' '" << name
       << "'; for a in \"$@\"; do printf ' %s' \"$a\"; done; printf '\\n'; }"
       << " >> \"$ONVIFCTRL_TRACE\"\n"
-      << "exec " << realTool(name) << " \"$@\"\n";
+      << "exec /bin/" << name << " \"$@\"\n";
   out.close();
   must(chmod(path.c_str(), 0755) == 0, "chmod " + path);
+}
+
+// The strings as a null-ended array for exec.
+std::vector<char*> cStrings(Lines& strings) {
+  std::vector<char*> out;
+  for (std::string& s : strings) out.push_back(s.data());
+  out.push_back(nullptr);
+  return out;
 }
 
 // A binary under test: the one built here, or the one the environment names
@@ -160,26 +160,17 @@ std::optional<shm::ShmBlock> Camera::block() const {
 int Camera::slot(shm::Slot s) const { return block().value().get(s); }
 void Camera::setSlot(int index, int value) { block().value().put(index, value); }
 
-RunResult Camera::exec(const std::string& binary, const std::vector<std::string>& args) const {
-  std::vector<std::string> env;
-  for (char** e = environ; *e != nullptr; ++e) {
-    std::string kv = *e;
-    if (kv.rfind("ONVIFCTRL_ROOT=", 0) == 0 || kv.rfind("PATH=", 0) == 0 ||
-        kv.rfind("ONVIFCTRL_TRACE=", 0) == 0)
-      continue;
-    env.push_back(kv);
-  }
+RunResult Camera::exec(const std::string& binary, const Lines& args) const {
   const char* path = std::getenv("PATH");
-  env.push_back("ONVIFCTRL_ROOT=" + root_);
-  env.push_back("ONVIFCTRL_TRACE=" + root_ + "/.trace/log");
-  env.push_back("PATH=" + root_ + "/.trace/bin:" + (path ? path : "/usr/bin:/bin"));
-
-  std::vector<char*> argv{const_cast<char*>(binary.c_str())};
-  for (const std::string& a : args) argv.push_back(const_cast<char*>(a.c_str()));
-  argv.push_back(nullptr);
-  std::vector<char*> envp;
-  for (std::string& kv : env) envp.push_back(kv.data());
-  envp.push_back(nullptr);
+  Lines env = {"ONVIFCTRL_ROOT=" + root_, "ONVIFCTRL_TRACE=" + root_ + "/.trace/log",
+               "PATH=" + root_ + "/.trace/bin:" + (path ? path : "/usr/bin:/bin")};
+  for (char** e = environ; *e != nullptr; ++e) {
+    const std::string kv = *e, name = kv.substr(0, kv.find('='));
+    if (name != "ONVIFCTRL_ROOT" && name != "ONVIFCTRL_TRACE" && name != "PATH") env.push_back(kv);
+  }
+  Lines words = {binary};
+  words.insert(words.end(), args.begin(), args.end());
+  std::vector<char*> argv = cStrings(words), envp = cStrings(env);
 
   std::string outPath = root_ + "/.run/out";
   std::string errPath = root_ + "/.run/err";
@@ -204,15 +195,14 @@ RunResult Camera::exec(const std::string& binary, const std::vector<std::string>
   return r;
 }
 
-RunResult Camera::run(const std::vector<std::string>& args) const {
+RunResult Camera::run(const Lines& args) const {
   return exec(binaryUnderTest("ONVIFCTRL_TEST_BIN", ONVIFCTRL_BIN), args);
 }
-RunResult Camera::runShm(const std::vector<std::string>& args) const {
+RunResult Camera::runShm(const Lines& args) const {
   return exec(binaryUnderTest("ONVIF_SHM_TEST_BIN", ONVIF_SHM_BIN), args);
 }
 
-RunResult Camera::runUnder(const std::vector<std::string>& wrapper,
-                           const std::vector<std::string>& args) const {
+RunResult Camera::runUnder(const Lines& wrapper, const Lines& args) const {
   std::vector<std::string> words(wrapper.begin() + 1, wrapper.end());
   words.push_back(ONVIFCTRL_BIN);
   words.insert(words.end(), args.begin(), args.end());

@@ -50,13 +50,12 @@ class Camera {
 
   // Runs onvifCtrl (or onvif-shm) with the arguments under this root: the
   // built binary, or the one ONVIFCTRL_TEST_BIN (ONVIF_SHM_TEST_BIN) names.
-  RunResult run(const std::vector<std::string>& args) const;
-  RunResult runShm(const std::vector<std::string>& args) const;
+  RunResult run(const Lines& args) const;
+  RunResult runShm(const Lines& args) const;
   // Runs onvifCtrl through a wrapper: the wrapper's program (an absolute path)
   // gets the wrapper's other words, then onvifCtrl's path and `args`; for
   // instance {"/bin/sh", "-c", "ulimit -f 2; exec \"$@\"", "sh"}.
-  RunResult runUnder(const std::vector<std::string>& wrapper,
-                     const std::vector<std::string>& args) const;
+  RunResult runUnder(const Lines& wrapper, const Lines& args) const;
 
   // Files by camera path.
   std::string host(const std::string& cameraPath) const;
@@ -73,7 +72,7 @@ class Camera {
   const std::string& root() const { return root_; }
 
  private:
-  RunResult exec(const std::string& binary, const std::vector<std::string>& args) const;
+  RunResult exec(const std::string& binary, const Lines& args) const;
 
   std::string root_;
 };
