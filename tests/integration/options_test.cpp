@@ -5,7 +5,6 @@
 #include "transcript.h"
 
 using shm::Slot;
-using testkit::Camera;
 using testkit::splitLines;
 
 namespace {
@@ -21,8 +20,7 @@ TEST(Options, BadAndAcceptedValues) {
   const char* const longer[] = {"--onvif_conf_update=37", "-u 4294967297", "--server_state=9",
                                 "--onvif_conf_update=0"};
   const Slot marker = static_cast<Slot>(shm::kMarkerSlot);
-  Camera cam;
-  testkit::Transcript t(cam);
+  testkit::Transcript t;
   t.run("No arguments: silently", "");
   for (const char* args : bad) t.run("Bad", args, {{marker, 0}});
   for (const char* args : good) t.run("Accepted", args, {{marker, 0}});
@@ -34,8 +32,7 @@ TEST(Options, BadAndAcceptedValues) {
 TEST(Options, EarlierOptionsActAndSlotsAreWrittenBack) {
   const Slot reset = Slot::ONVIF_RESET, state = Slot::SERVER_STATE;
   const Slot names = Slot::RECORDING_NAME_FORMAT, motion = Slot::DEBUG_CELL_MOTION;
-  Camera cam;
-  testkit::Transcript t(cam);
+  testkit::Transcript t;
   t.run("-u 27 acts, -s 0 never does, -u 98 is not reached", "-u 27 -s 0 -u 37x -u 98",
         {{Slot::ONVIF_AUDIO_SUPPORT, 1}, {state, 1}});
   for (int value : {300, 255, -1, 256, 7})
@@ -50,9 +47,8 @@ TEST(Options, EarlierOptionsActAndSlotsAreWrittenBack) {
 // Without the block only -i, -t 0 and -r act, after the block's messages,
 // and a bad value still fails; a path without a segment is reported by shmget.
 TEST(Options, WithoutTheServerOnlyDiagnosticsAct) {
-  Camera cam;
-  cam.stopServer();
-  testkit::Transcript t(cam);
+  testkit::Transcript t;
+  t.cam().stopServer();
   t.run("Every option is checked", "-u 27 -u 1 -s 3 -t 3 -p 5 -q 5 -a 1 -d 1 -s 2 -i 0 -r 0");
   t.run("A bad value still fails", "-u 37");
   t.run("A path without a segment", "-r 0", {}, {{"/tmp/ONVIF_SHM/onvif", ""}});
@@ -61,7 +57,7 @@ TEST(Options, WithoutTheServerOnlyDiagnosticsAct) {
 
 TEST(Options, TimePrintUsesTheZoneSegment) {
   testkit::FixedKeyLock lock;
-  Camera cam;
+  testkit::Camera cam;
   cam.stopServer();
   cam.runShm({"tz-remove"});
   testkit::RunResult r = cam.run({"-t", "0"});

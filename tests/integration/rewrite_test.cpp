@@ -15,14 +15,13 @@ const std::string kLive = "/tmp/onvif/onvif.conf", kPersist = "/usr/apache/htdoc
 
 TEST(Rewrite, UnchangedLinesAndWritesThatFail) {
   const std::string off = "ONVIF_CheckPassword=false\n";
-  Camera cam({{Slot::ONVIF_CHECK_PASSWORD, 0}});
-  testkit::Transcript t(cam);
+  testkit::Transcript t({{Slot::ONVIF_CHECK_PASSWORD, 0}});
   t.run("A line is written as its own format", "-a 1", {}, {{kLive, off + "Name=%s\n"}});
   t.run("One conversion yields at most 255 characters", "-a 1", {},
         {{kLive, off + "W=%999999999d|\n"}});
   t.run("A carriage return stays", "-a 1", {}, {{kLive, off + "CR=value\r\n"}});
   t.run("An incomplete conversion at the end stays", "-a 1", {}, {{kLive, off + "End=50%"}});
-  cam.write(kPersist, "persistent\n");
+  t.cam().write(kPersist, "persistent\n");
   t.run("Without the temporary folder the targets stay", "-a 1", {},
         {{kLive, off}, {"/tmp/onvif/tmp", {}}});
   t.expectGolden();

@@ -211,8 +211,7 @@ TEST(Safety, AFullDiskNeverLeavesAFileEmptiedOrHalfWritten) {
 // each appended to a file whose last line has no newline.
 TEST(Safety, AnAppendEndsAnUnterminatedLastLineFirst) {
   const std::string recordings = kPersist + "Recordings.conf";
-  Camera cam;
-  testkit::Transcript t(cam);
+  testkit::Transcript t;
   t.run("Accounts", "-u 24", {},
         {{kUsers, "admin:Administrator:a"},
          {"/etc/appWeb/appweb.privacy", "admin:1:1:1:1\nbob:1:1:0:0\n"},

@@ -157,9 +157,8 @@ TEST(VideoSync, MissingFilesOfTheFrameRatesAndProfiles) { missingFiles({5, 6, 15
 TEST(VideoSync, MissingFilesOfTheLimitsAndImaging) { missingFiles({13, 3, 7, 10}); }
 
 TEST(VideoAppearance, ProfileListNamingAMissingProfileIsCountedPast) {
-  Camera cam({{Slot::ONVIF_DEVICE, 6}, {kLayout, 8}});
-  twoStreams(cam);
-  testkit::Transcript t(cam);
+  testkit::Transcript t({{Slot::ONVIF_DEVICE, 6}, {kLayout, 8}});
+  twoStreams(t.cam());
   t.run("A profile list naming a missing profile", "-u 2", {},
         {{"/tmp/onvif/Profiles.conf",
           "profile filename=Profile9.profile\nprofile filename=Profile1.profile\n"

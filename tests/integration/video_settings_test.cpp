@@ -37,8 +37,7 @@ TEST(VideoImaging, ScalesModesAndSlotsPerDeviceType) {
 }
 
 TEST(VideoOrientation, RotationTable) {
-  Camera cam;
-  testkit::Transcript t(cam);
+  testkit::Transcript t;
   for (const char* word : {"clockwise", "0", "rotate", "flip", "mirror", "counterclockwise",
                            "clockwise_mirror", "clockwise_flip", "upside_down"}) {
     t.run(format("Rotation %s", word), "-u 7", {},
@@ -82,8 +81,7 @@ TEST(VideoLimits, AvailableResolutionsAndChannelFiles) {
 }
 
 TEST(VideoLimits, NothingToSync) {
-  Camera cam;
-  testkit::Transcript t(cam);
+  testkit::Transcript t;
   t.run("No resolution list and no frame rate", "-u 13", {},
         {{"/tmp/options.conf", options("", 0)}});
   t.run("The list cannot be written where a folder is", "-u 13", {},

@@ -171,9 +171,14 @@ Files fixture(const std::string& name, const Files& more) {
   return files;
 }
 
+Camera& Transcript::cam() {
+  if (cam_ == nullptr) cam_ = (own_ = std::make_unique<Camera>(slots_)).get();
+  return *cam_;
+}
+
 void Transcript::run(const std::string& title, const std::string& command, const SlotValues& slots,
                      const Files& files) {
-  Camera& cam = *cam_;
+  Camera& cam = this->cam();
   for (const auto& [s, v] : slots) cam.setSlot(s, v);
   put(cam, files);
   const Tree filesBefore = camFiles(cam);
