@@ -7,7 +7,6 @@
 #include "transcript.h"
 
 using shm::Slot;
-using testkit::Camera;
 using testkit::format;
 
 namespace {
@@ -22,10 +21,8 @@ TEST(Audio, BitRateTableOnBothPaths) {
                                   {"16000", "G726"}, {"024000x", "G726"},    {"32000", "G726"},
                                   {"40000", "G711"}, {"ulaw", "G711"},       {"alaw", "G711"},
                                   {"alaw", "G726"},  {"aac_128000", "G711"}, {"ULAW", "G711"}};
-  Camera cam;
-  cam.startServer();
-  cam.write(P + "AudioEncoder.conf", "AudioEncoder1.AEncoder\nAudioEncoder2.AEncoder x\n");
-  testkit::Transcript t(cam);
+  testkit::Transcript t;
+  t.cam().write(P + "AudioEncoder.conf", "AudioEncoder1.AEncoder\nAudioEncoder2.AEncoder x\n");
   for (const auto& [token, codec] : cases) {
     for (int legacy : {0, 1}) {
       const std::string record = format("Bitrate=9\nEncoding=%s\nN=%%s\n", codec);
@@ -56,8 +53,8 @@ TEST(Audio, CurrentPathProfilesBackChannelAndCounts) {
                {4, 0, 0, "full", "x"},          {8, 44, 7, "disable", "disabled"},
                {4, 44, 6, "disable", "disable"}};
   const std::string profile = "AudioSource=x\nAudioEncoder=x\nAudioOutput=x\nAudioDecoder=x\n";
-  Camera cam("/tmp/onvifctrl audio $HOME-");  // the control program's path needs quoting
-  cam.startServer({{Slot::ONVIF_DEVICE, 6}});
+  // The control program's path needs quoting.
+  testkit::Camera cam({{Slot::ONVIF_DEVICE, 6}}, "/tmp/onvifctrl audio $HOME-");
   cam.write(kServer + "streamctl",
             "#!/bin/sh\nfor a; do printf '[%s]' \"$a\"; done >> \"$0.log\"\necho >> \"$0.log\"\n");
   chmod(cam.host(kServer + "streamctl").c_str(), 0755);
@@ -86,9 +83,7 @@ TEST(Audio, CurrentPathProfilesBackChannelAndCounts) {
 // missing encoder keeps D's codec.
 TEST(Audio, StreamServerSwitchesBindTheAudioEncoder) {
   const std::string conf = kServer + "StreamServer.conf";
-  Camera cam;
-  cam.startServer({{Slot::ONVIF_DEVICE, 6}, {Slot::ONVIF_BRAND, 40}});
-  testkit::Transcript t(cam);
+  testkit::Transcript t({{Slot::ONVIF_DEVICE, 6}, {Slot::ONVIF_BRAND, 40}});
   t.run("H.264 streams 1 on and 2 off, JPEG on", "-u 4", {},
         testkit::fixture("Audio.streamserver.data"));
   t.run("Without the files", "-u 4", {},

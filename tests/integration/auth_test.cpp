@@ -15,9 +15,7 @@ const std::string kLive = "/tmp/onvif/onvif.conf";
 TEST(Auth, PasswordCheckSwitchesBothCopiesAndTheSlot) {
   const testkit::Files files = {{kLive, "A=1\n  xONVIF_CheckPassword=maybe\nB=%s\n"},
                                 {"/usr/apache/htdocs/onvif/onvif.conf", "stale\n"}};
-  testkit::Camera cam;
-  cam.startServer({{Slot::ONVIF_CHECK_PASSWORD, 7}});
-  testkit::Transcript t(cam);
+  testkit::Transcript t({{Slot::ONVIF_CHECK_PASSWORD, 7}});
   t.run("On", "-a 1", {}, files);
   t.run("Off", "-a 0", {}, files);
   t.run("Off without the live copy", "-a 0", {{Slot::ONVIF_CHECK_PASSWORD, 7}}, {{kLive, {}}});
@@ -27,9 +25,7 @@ TEST(Auth, PasswordCheckSwitchesBothCopiesAndTheSlot) {
 
 TEST(Auth, AdministratorName) {
   const std::string envir = "/tmp/envir.sh", conf = "/tmp/onvif/tmp/administrator.conf";
-  testkit::Camera cam;
-  cam.startServer();
-  testkit::Transcript t(cam);
+  testkit::Transcript t;
   t.run("The first export, one word", "-a 2", {},
         {{envir, "export PATH=/bin\nexport Administrator=root2 x\nexport Administrator=late\n"},
          {conf, "old\n"}});
@@ -50,9 +46,7 @@ TEST(Auth, WebSwitchesSetCheckingDiscoveryAndProtection) {
                                       {Slot::ONVIF_IPV4_STATUS, 9},
                                       {Slot::ONVIF_IPV6_STATUS, 9},
                                       {Slot::ONVIF_SETTING_CTRL, 5}};
-  testkit::Camera cam;
-  cam.startServer();
-  testkit::Transcript t(cam);
+  testkit::Transcript t;
   t.run("On", "-u 21", marked, {{net, discovery + "yes\n" + check + "enable\n"}});
   t.run("Off", "-u 21", marked, {{net, discovery + "no\n" + check + "disabled\n"}});
   t.run("Any word but yes", "-u 21", marked, {{net, discovery + "none\n" + check + "disable\n"}});
@@ -70,9 +64,7 @@ TEST(Auth, WebSwitchesSetCheckingDiscoveryAndProtection) {
 TEST(Auth, ProfileQLeavesTheFactoryStateOnlyOnce) {
   const std::string setting = "/usr/apache/htdocs/onvif/UserSetting.conf";
   const Slot q = Slot::PROFILE_Q_AUTHENTICATION;
-  testkit::Camera cam;
-  cam.startServer();
-  testkit::Transcript t(cam);
+  testkit::Transcript t;
   t.run("The factory state", "-u 23", {}, {{setting, "A=1\nProfileQ_FactoryDefaultState=true\n"}});
   t.run("Once left, the file stays", "-u 23", {{q, 5}},
         {{setting, "ProfileQ_FactoryDefaultState=true\n"}});

@@ -27,9 +27,7 @@ Files persistent(const Files& more = {}) {
 // files.
 TEST(Defaults, SoftResetRunsItsCommandsInOrder) {
   const Slot brand = Slot::ONVIF_BRAND;
-  testkit::Camera cam;
-  cam.startServer();
-  testkit::Transcript t(cam);
+  testkit::Transcript t;
   t.run("Brand 0", "-s 3", {{brand, 0}}, persistent());
   t.run("Brand 42 restores the PTZ moves", "-s 3", {{brand, 42}}, persistent());
   t.run("Brand 16 restores the presets", "-s 3", {{brand, 16}}, persistent());
@@ -47,9 +45,7 @@ TEST(Defaults, SoftResetRunsItsCommandsInOrder) {
 }
 
 TEST(Defaults, HardResetRemovesEveryRecordThenRestoresTheShippedOnes) {
-  testkit::Camera cam;
-  cam.startServer({{Slot::ONVIF_BRAND, 62}});
-  testkit::Transcript t(cam);
+  testkit::Transcript t({{Slot::ONVIF_BRAND, 62}});
   t.run(
       "Records no list names go too", "-s 4", {},
       persistent({{D + "Stray.VEncoder", "not listed\n"}, {D + "Stray.PTZConf", "not listed\n"}}));

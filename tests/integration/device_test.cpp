@@ -24,9 +24,7 @@ TEST(Device, RS485ControlSetsPanTiltZoomScopeAndProfiles) {
   const std::string off = "A=%s\n" + kStreaming + kPtz + "B=1\n" + kPtz;
   const std::string odd = "/tmp/onvif/P;$(touch${IFS}pwned)'.profile";
   const std::string list = "/tmp/onvif/Profiles.conf";
-  testkit::Camera cam;
-  cam.startServer();
-  testkit::Transcript t(cam);
+  testkit::Transcript t;
   for (const auto& [brand, switched, zf, saved] : cases) {
     t.run(
         format("Brand %d, switch %d, zoom-focus support %d, saved %d", brand, switched, zf, saved),
@@ -46,7 +44,7 @@ TEST(Device, RS485ControlSetsPanTiltZoomScopeAndProfiles) {
   t.run("Without the profile list", "-u 11", {}, {{list, {}}});
   t.run("Without the RS-485 settings", "-u 11", {{Slot::ONVIF_PT_SUPPORT, 7}}, {{kRs485, {}}});
   t.expectGolden();
-  EXPECT_FALSE(cam.exists("/pwned") || cam.exists("/tmp/onvif/pwned"));
+  EXPECT_FALSE(t.cam().exists("/pwned") || t.cam().exists("/tmp/onvif/pwned"));
 }
 
 // Bytes 0 and 3 of the streaming server's segment are the recording sources
@@ -54,10 +52,8 @@ TEST(Device, RS485ControlSetsPanTiltZoomScopeAndProfiles) {
 TEST(Device, RecordingChannelsInTheStreamSegment) {
   const std::string storage = "/etc/sysconfig/storage.conf";
   testkit::FixedKeyLock lock;
-  testkit::Camera cam;
-  cam.startServer();
-  cam.runShm({"stream-remove"});  // one an interrupted run left
-  testkit::Transcript t(cam);
+  testkit::Transcript t;
+  t.cam().runShm({"stream-remove"});  // one an interrupted run left
   t.run("The segment is missing", "-u 31");
   t.run("The segment", "onvif-shm stream-create");
   for (const char* source : {"S1", "S2", "both", "s1", "both"}) {
@@ -81,9 +77,7 @@ TEST(Device, RecordingNames) {
   const std::string six =
       k + "A1\n" + k + "M1\n" + k + "N1\n" + k + "T1\n" + k + "R1\n" + k + "U1\n";
   const Slot name = Slot::RECORDING_NAME_FORMAT, brand = Slot::ONVIF_BRAND;
-  testkit::Camera cam;
-  cam.startServer();
-  testkit::Transcript t(cam);
+  testkit::Transcript t;
   t.run("Without end time", "-u 18", {{brand, 5}, {name, 7}},
         {{storage, f + "0"}, {rec, k + "O1\n" + six + "x" + k + "O2\n"}});
   t.run("Without the storage settings", "-u 18", {{name, 7}},
@@ -117,12 +111,10 @@ TEST(Device, AlarmOutputsSlotSettingsAndSmartCompression) {
   const std::string conf = "/usr/apache/htdocs/onvif/SmartCompression.conf";
   const std::string rate = "/etc/sysconfig/image_ratecontrol.conf";
   const Slot io = Slot::ONVIF_IO_TYPE;
-  testkit::Camera cam;
-  cam.startServer({{Slot::ONVIF_IPV6_STATUS, 7},
-                   {Slot::PATH_DEVICE_IO, 7},
-                   {Slot::SD_CARD_EVENT_INTERVAL, 7},
-                   {io, 1}});
-  testkit::Transcript t(cam);
+  testkit::Transcript t({{Slot::ONVIF_IPV6_STATUS, 7},
+                         {Slot::PATH_DEVICE_IO, 7},
+                         {Slot::SD_CARD_EVENT_INTERVAL, 7},
+                         {io, 1}});
   t.run("The idle state is the opposite of the active state", "-u 12", {},
         outputs("closed", "open"));
   t.run("The other way round", "-u 12", {}, outputs("open", "closed"));

@@ -50,16 +50,14 @@ TEST(Multicast, PlatformsBranchesAndVariants) {
                           "MPEG4\nChannel=1"};
   const Slot enables[] = {Slot::ONVIF_RESOLUTION_H264, Slot::ONVIF_RESOLUTION_H264_2,
                           Slot::ONVIF_RESOLUTION_JPEG, Slot::ONVIF_RESOLUTION_MPEG4};
-  testkit::Camera cam;
-  cam.startServer();
+  testkit::Transcript t;
   testkit::Files start = {
       {"/etc/sysconfig/network.conf", testkit::golden("Multicast.network.conf.data")}};
   for (const std::string& path : {kVariable, P + "AudioEncoder.conf", P + "VideoEncoder.conf"})
-    start.push_back({path, cam.read(path)});
+    start.push_back({path, t.cam().read(path)});
   for (int k = 1; k <= 8; ++k)
     start.push_back({record(k), std::string("Encoding=") + codecs[(k - 1) % 4] +
                                     "\nMultiIPv4Address=o\nMultiPort=o\nMultiTTL=o\n"});
-  testkit::Transcript t(cam);
   for (const auto& c : cases) {
     testkit::SlotValues slots = {{Slot::ONVIF_DEVICE, c.device},
                                  {Slot::ONVIF_BRAND, c.brand},

@@ -19,9 +19,7 @@ TEST(Network, UpdateNetworkWritesEveryRuleByModeBrandAndDevice) {
   const std::pair<std::string, std::optional<std::string>> conf = {
       kLive, golden("Network.onvif.conf.data")};
   const Slot brand = Slot::ONVIF_BRAND, device = Slot::ONVIF_DEVICE;
-  testkit::Camera cam;
-  cam.startServer();
-  testkit::Transcript t(cam);
+  testkit::Transcript t;
   t.run("Static addresses of brand 40", "-u 1", {{brand, 40}, {device, 6}}, {{kNet, net}, conf});
   t.run("DHCP (the first BootProto line) of brand 24", "-u 1", {{brand, 24}}, {{kNet, dhcp}, conf});
   t.run("https.conf is not read; the sync source and DST must be exactly NTP and yes", "-u 1",
@@ -48,9 +46,7 @@ TEST(Network, UpdateIPAddrAndScopes) {
   const std::string place = "ConfigurableScopes=onvif://www.onvif.org/location/";
   const std::string loc = "/etc/sysconfig/location.conf";
   const std::string host = "root.Network.HostName=Lobby " + std::string(70, 'n');
-  testkit::Camera cam;
-  cam.startServer();
-  testkit::Transcript t(cam);
+  testkit::Transcript t;
   t.run("The address and the prefix of the first mask line", "-u 29", {},
         {{kNet,
           "root.Network.IPAddress=10.1.1.1\nroot.Network.SubnetMask=255.255.255.128\n"

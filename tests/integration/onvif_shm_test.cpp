@@ -7,8 +7,8 @@
 namespace {
 
 TEST(OnvifShm, CreatesTheBlockTheToolAttaches) {
-  testkit::Camera cam;
-  testkit::Transcript t(cam);
+  testkit::Transcript t;
+  t.cam().stopServer();
   t.run("Slots by name or index", "onvif-shm create ONVIF_BRAND=40 79=6 ONVIF_RESET=300");
   t.run("The block exists already", "onvif-shm create");
   t.run("By name", "onvif-shm get ONVIF_BRAND");

@@ -26,10 +26,8 @@ std::string settings(const std::string& sample, const testkit::Lines& changes) {
 // Records whose setting is off are unlisted, then removed; enabled subtitles
 // get records made from the template.
 TEST(UpdateOsd, SampleThenDisabledRecordsAndSubtitles) {
-  testkit::Camera cam;
-  cam.startServer();
-  const std::string sample = cam.read(kText);
-  testkit::Transcript t(cam);
+  testkit::Transcript t;
+  const std::string sample = t.cam().read(kText);
   t.run("The sample rewrites the same files", "-u 16");
   t.run("Date off, subtitles on", "-u 16", {},
         {{kText,
@@ -48,10 +46,8 @@ TEST(UpdateOsd, PositionsColoursSizesAndBrands) {
                                                   {0, {"String=Hall B; rm -rf /"}},
                                                   {16, {"Color=blue", "StringPosition=topleft"}},
                                                   {42, {"Color=blue"}}};
-  testkit::Camera cam;
-  cam.startServer();
-  const std::string sample = cam.read(kText);
-  testkit::Transcript t(cam);
+  testkit::Transcript t;
+  const std::string sample = t.cam().read(kText);
   for (const auto& [brand, changes] : cases) {
     std::string title = testkit::format("Brand %d:", brand);
     for (const std::string& c : changes) title += " " + c;
@@ -64,10 +60,8 @@ TEST(UpdateOsd, PositionsColoursSizesAndBrands) {
 // removed; a temporary file that cannot be written stops every copy and
 // removal.
 TEST(UpdateOsd, Failures) {
-  testkit::Camera cam;
-  cam.startServer();
-  const std::string sample = cam.read(kText);
-  testkit::Transcript t(cam);
+  testkit::Transcript t;
+  const std::string sample = t.cam().read(kText);
   t.run("No text settings", "-u 16", {}, {{kText, {}}});
   t.run("The temporary file cannot be written", "-u 16", {},
         {{kText, settings(sample, {"DateEnabled=no"})}, {kTemp + "/x", ""}});

@@ -10,9 +10,7 @@ namespace {
 
 TEST(PostParse, ServerStateAndDebugRequests) {
   const Slot state = Slot::SERVER_STATE, debug = Slot::ONVIF_DEBUG_LOG;
-  testkit::Camera cam;
-  cam.startServer();
-  testkit::Transcript t(cam);
+  testkit::Transcript t;
   t.run("Password, then debug, then the server state", "-s 0 -d 1 -a 1", {{state, 1}});
   t.run("Stop a running server", "-s 0", {{state, 1}});
   t.run("Stop a stopped server", "-s 0", {{state, 0}});
@@ -28,9 +26,7 @@ TEST(PostParse, ServerStateAndDebugRequests) {
 // The full dump shows the switches, the live slots and every named slot;
 // the subscription dump the records with an index; -s 9 the image flags.
 TEST(PostParse, BlockDumps) {
-  testkit::Camera cam;
-  cam.startServer();
-  testkit::Transcript t(cam);
+  testkit::Transcript t;
   t.run("The full dump", "-s 2",
         {{Slot::ONVIF_BRAND, 40},
          {Slot::ONVIF_DEBUG_LOG, 1},
@@ -45,19 +41,17 @@ TEST(PostParse, BlockDumps) {
          {Slot::ONVIF_IMAGETOOBRIGHT, 5},
          {Slot::ONVIF_IMAGETOODARK, 6}});
   // Record 1 (slots 102..118) with index 2, record 3 (136..152) with index 3.
-  for (int f = 0; f < 17; ++f) cam.setSlot(102 + f, 100 + f);
-  cam.setSlot(102, 2);
-  cam.setSlot(136, 3);
+  for (int f = 0; f < 17; ++f) t.cam().setSlot(102 + f, 100 + f);
+  t.cam().setSlot(102, 2);
+  t.cam().setSlot(136, 3);
   t.run("Two subscriptions", "-s 5", {{Slot::ONVIF_SEND_NOTIFY, 9}});
   t.expectGolden();
 }
 
 TEST(PostParse, SegmentDumps) {
   testkit::FixedKeyLock lock;
-  testkit::Camera cam;
-  cam.startServer();
-  cam.runShm({"stream-remove"});  // one an interrupted run left
-  testkit::Transcript t(cam);
+  testkit::Transcript t;
+  t.cam().runShm({"stream-remove"});  // one an interrupted run left
   t.run("No video analytics segment", "-s 6");
   t.run("No streaming server segment", "-s 8");
   t.run("No wearable hub segment", "-s 10");

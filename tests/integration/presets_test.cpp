@@ -34,13 +34,12 @@ TEST(Presets, SetAndDeleteSourcesLabelsAndSilentFailures) {
       {2, 0, "no label for the preset", kPtz, "root.PTZ.PresetPos.P5.Label=Gate\n", "-p 15"},
       {2, 0, "no PTZ settings", kPtz, std::nullopt, "-p 5"},
       {2, 0, "no preset list", kPresets, std::nullopt, "-p 5"}};
-  testkit::Camera cam;
-  cam.startServer();
+  testkit::Transcript t;
   testkit::Files start = {{kPresets,
                            "preset1.token.name=YES,1,A\npreset5.token.name=\n"
                            "preset11.token.name=YES,11,B\npreset15.token.name=\n"}};
-  for (const std::string& path : {kPtz, kFramed, kList}) start.push_back({path, cam.read(path)});
-  testkit::Transcript t(cam);
+  for (const std::string& path : {kPtz, kFramed, kList})
+    start.push_back({path, t.cam().read(path)});
   for (const auto& c : cases) {
     testkit::Files files = start;
     files.push_back({c.path, c.text});
@@ -55,9 +54,7 @@ TEST(Presets, SetAndDeleteSourcesLabelsAndSilentFailures) {
 // the i-th speed and dwell belong to step i, one byte each (300 is 44).
 TEST(Presets, ToursFollowTheGuardTours) {
   const std::string state = "/etc/dynamic/guardtourstate.conf";
-  testkit::Camera cam;
-  cam.startServer();
-  testkit::Transcript t(cam);
+  testkit::Transcript t;
   t.run("Tours 1, 3 and 4 set", "-u 14", {},
         testkit::fixture("Presets.tours.data", {{"/etc/dynamic/guardtour3.conf", {}}}));
   t.run("Without the create list and tour 1's record", "-u 14", {},

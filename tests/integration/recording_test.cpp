@@ -5,7 +5,6 @@
 #include "transcript.h"
 
 using shm::Slot;
-using testkit::Camera;
 
 namespace {
 
@@ -13,10 +12,8 @@ namespace {
 // the stream recording flags, stay.
 TEST(RecordingControl, StartAndStopRequestsLeaveTheStreamFlags) {
   testkit::FixedKeyLock lock;
-  Camera cam;
-  cam.startServer();
-  cam.runShm({"stream-remove"});  // one an interrupted run left
-  testkit::Transcript t(cam);
+  testkit::Transcript t;
+  t.cam().runShm({"stream-remove"});  // one an interrupted run left
   t.run("Start without the segment", "-r 1");
   t.run("The segment", "onvif-shm stream-create");
   t.run("Stream 1 records", "onvif-shm seg-set stream 0 1");
@@ -30,8 +27,7 @@ TEST(RecordingControl, StartAndStopRequestsLeaveTheStreamFlags) {
 }
 
 TEST(RecordingControl, SummaryAndDatabase) {
-  Camera cam("/tmp/onvifctrl test $HOME-");
-  cam.startServer();
+  testkit::Camera cam({}, "/tmp/onvifctrl test $HOME-");
   cam.write("/usr/sbin/test_db", "#!/bin/sh\necho \"test_db mode=$mode\"\n");
   ASSERT_EQ(chmod(cam.host("/usr/sbin/test_db").c_str(), 0755), 0);
   testkit::Transcript t(cam);
@@ -44,9 +40,7 @@ TEST(RecordingControl, SummaryAndDatabase) {
 
 // The self-tests run with the protect flag raised and record their number.
 TEST(CodecSelfTests, PrintTheirVectors) {
-  Camera cam;
-  cam.startServer({{Slot::WEB_SYNC_PROTECT, 1}});
-  testkit::Transcript t(cam);
+  testkit::Transcript t({{Slot::WEB_SYNC_PROTECT, 1}});
   t.run("PackBits decoding", "-u 99");
   t.run("PackBits encoding", "-u 100");
   t.run("Hexadecimal to binary", "-u 101");

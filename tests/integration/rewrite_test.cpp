@@ -15,15 +15,13 @@ const std::string kLive = "/tmp/onvif/onvif.conf", kPersist = "/usr/apache/htdoc
 
 TEST(Rewrite, UnchangedLinesAndWritesThatFail) {
   const std::string off = "ONVIF_CheckPassword=false\n";
-  Camera cam;
-  cam.startServer({{Slot::ONVIF_CHECK_PASSWORD, 0}});
-  testkit::Transcript t(cam);
+  testkit::Transcript t({{Slot::ONVIF_CHECK_PASSWORD, 0}});
   t.run("A line is written as its own format", "-a 1", {}, {{kLive, off + "Name=%s\n"}});
   t.run("One conversion yields at most 255 characters", "-a 1", {},
         {{kLive, off + "W=%999999999d|\n"}});
   t.run("A carriage return stays", "-a 1", {}, {{kLive, off + "CR=value\r\n"}});
   t.run("An incomplete conversion at the end stays", "-a 1", {}, {{kLive, off + "End=50%"}});
-  cam.write(kPersist, "persistent\n");
+  t.cam().write(kPersist, "persistent\n");
   t.run("Without the temporary folder the targets stay", "-a 1", {},
         {{kLive, off}, {"/tmp/onvif/tmp", {}}});
   t.expectGolden();
@@ -31,7 +29,6 @@ TEST(Rewrite, UnchangedLinesAndWritesThatFail) {
 
 TEST(Rewrite, LongLinesAndBinaryContent) {
   Camera cam;
-  cam.startServer();
   // The key in the second piece of a long line is matched by that piece alone.
   std::string longLine(300, 'a'), huge(10000, 'b'), lead(255, 'c');
   cam.write(kLive, longLine + "\n" + huge + "\n" + lead + "ONVIF_CheckPassword=false\n");
@@ -47,8 +44,7 @@ TEST(Rewrite, LongLinesAndBinaryContent) {
 }
 
 TEST(Rewrite, RootWithShellCharactersIsPassedAsOneWord) {
-  Camera cam("/tmp/onvifctrl test;$(touch pwned)`touch pwned2`\"&-");
-  cam.startServer();
+  Camera cam({}, "/tmp/onvifctrl test;$(touch pwned)`touch pwned2`\"&-");
   testkit::Transcript t(cam);
   t.run("Both copies are written", "-a 1", {}, {{kLive, "ONVIF_CheckPassword=false\n"}});
   t.run("The missing file is logged", "-a 1", {}, {{kLive, {}}});

@@ -17,6 +17,7 @@ namespace {
 
 const std::string kApp = "/etc/sysconfig/image_appearance.conf";
 const std::string kResolution = "root.Image.I0.Appearance.Resolution";
+const Slot kLayout = Slot::ONVIF_MULTIPLE_STREAM;
 
 std::string encoderPath(int k) { return format("/tmp/onvif/VideoEncoder%d.VEncoder", k); }
 
@@ -24,7 +25,7 @@ std::string encoderPath(int k) { return format("/tmp/onvif/VideoEncoder%d.VEncod
 void setKey(const Camera& cam, const std::string& path, const std::string& key,
             const std::string& value) {
   std::string text;
-  for (const std::string& l : cam.lines(path))
+  for (const std::string& l : testkit::splitLines(cam.read(path)))
     text += (l.rfind(key + "=", 0) == 0 ? key + "=" + value : l) + "\n";
   cam.write(path, text);
 }
@@ -57,8 +58,7 @@ TEST(VideoAppearance, MultiStreamLayouts) {
       {"disable,d1,disable,disable,disable", 19}};
   testkit::Transcript t;
   for (auto [resolution, videoType] : cases) {
-    Camera cam;
-    cam.startServer({{Slot::ONVIF_DEVICE, 6}, {Slot::ONVIF_MULTIPLE_STREAM, 4}});
+    Camera cam({{Slot::ONVIF_DEVICE, 6}, {kLayout, 4}});
     setKey(cam, kApp, kResolution, resolution);
     scramble(cam);
     addTwoKeyLine(cam);
@@ -79,13 +79,12 @@ TEST(VideoAppearance, LayoutCodesSetElsewhere) {
   const int cases[][2] = {{9, 28}, {10, 0}, {11, 28}, {13, 0}, {7, 28}, {20, 0}};  // layout, brand
   testkit::Transcript t;
   for (const auto& [layout, brand] : cases) {
-    Camera cam;
-    cam.startServer({{Slot::ONVIF_DEVICE, 6}});
+    Camera cam({{Slot::ONVIF_DEVICE, 6}});
     setKey(cam, kApp, kResolution, "disable,disable,disable,disable,disable");
     setKey(cam, kApp, "root.Image.I0.Appearance.Mjpeg_2Qfactor", "70");
     scramble(cam);
     t.on(cam).run(format("Layout %d, brand %d", layout, brand), "-u 2",
-                  {{Slot::ONVIF_BRAND, brand}, {Slot::ONVIF_MULTIPLE_STREAM, layout}});
+                  {{Slot::ONVIF_BRAND, brand}, {kLayout, layout}});
   }
   t.expectGolden();
 }
@@ -102,11 +101,10 @@ TEST(VideoAppearance, PerCodecAndTwoEncoderPaths) {
                                                               {"disable,disable,vga", {7, 0, 0}}};
   testkit::Transcript t;
   for (const auto& [resolution, c] : cases) {
-    Camera cam;
-    cam.startServer({{Slot::ONVIF_RESOLUTION_MPEG4, 99},
-                     {Slot::ONVIF_RESOLUTION_JPEG, 99},
-                     {Slot::ONVIF_RESOLUTION_H264, 99},
-                     {Slot::ONVIF_RESOLUTION_H264_2, 99}});
+    Camera cam({{Slot::ONVIF_RESOLUTION_MPEG4, 99},
+                {Slot::ONVIF_RESOLUTION_JPEG, 99},
+                {Slot::ONVIF_RESOLUTION_H264, 99},
+                {Slot::ONVIF_RESOLUTION_H264_2, 99}});
     setKey(cam, kApp, kResolution, resolution);
     if (c[0] == 2) setKey(cam, encoderPath(3), "Encoding", "MPEG4");
     addTwoKeyLine(cam);
@@ -117,15 +115,11 @@ TEST(VideoAppearance, PerCodecAndTwoEncoderPaths) {
   t.expectGolden();
 }
 
-// Starts the server of a layout-8 camera with two streams; the routines'
-// temporary files hold a stale line.
-testkit::Transcript& start(testkit::Transcript& t, Camera& cam, int device, int brand) {
-  cam.startServer(
-      {{Slot::ONVIF_DEVICE, device}, {Slot::ONVIF_BRAND, brand}, {Slot::ONVIF_MULTIPLE_STREAM, 8}});
+// Two streams of layout 8; the routines' temporary files hold a stale line.
+void twoStreams(const Camera& cam) {
   setKey(cam, kApp, kResolution, "disable,1080p,720p,disable,disable");
   cam.write("/tmp/onvif/tmp/WS_Update_Imapge_Appearance", "stale\n");
   cam.write("/tmp/onvif/tmp/WS_Update_framerate", "stale\n");
-  return t.on(cam);
 }
 
 // A missing file is one error-log line; a missing list or record ends an
@@ -150,10 +144,10 @@ void missingFiles(std::initializer_list<int> commands) {
   testkit::Transcript t;
   for (const auto& [device, brand, command, path] : cases) {
     if (std::find(commands.begin(), commands.end(), command) == commands.end()) continue;
-    Camera cam;
-    start(t, cam, device, brand)
-        .run(format("Device %d, brand %d, without %s", device, brand, path.c_str()),
-             format("-u %d", command), {}, {{path, {}}});
+    Camera cam({{Slot::ONVIF_DEVICE, device}, {Slot::ONVIF_BRAND, brand}, {kLayout, 8}});
+    twoStreams(cam);
+    t.on(cam).run(format("Device %d, brand %d, without %s", device, brand, path.c_str()),
+                  format("-u %d", command), {}, {{path, {}}});
   }
   t.expectGolden();
 }
@@ -163,13 +157,12 @@ TEST(VideoSync, MissingFilesOfTheFrameRatesAndProfiles) { missingFiles({5, 6, 15
 TEST(VideoSync, MissingFilesOfTheLimitsAndImaging) { missingFiles({13, 3, 7, 10}); }
 
 TEST(VideoAppearance, ProfileListNamingAMissingProfileIsCountedPast) {
-  Camera cam;
-  testkit::Transcript t;
-  start(t, cam, 6, 0)
-      .run("A profile list naming a missing profile", "-u 2", {},
-           {{"/tmp/onvif/Profiles.conf",
-             "profile filename=Profile9.profile\nprofile filename=Profile1.profile\n"
-             "profile filename=Profile2.profile\n"}});
+  testkit::Transcript t({{Slot::ONVIF_DEVICE, 6}, {kLayout, 8}});
+  twoStreams(t.cam());
+  t.run("A profile list naming a missing profile", "-u 2", {},
+        {{"/tmp/onvif/Profiles.conf",
+          "profile filename=Profile9.profile\nprofile filename=Profile1.profile\n"
+          "profile filename=Profile2.profile\n"}});
   t.expectGolden();
 }
 
@@ -179,11 +172,10 @@ TEST(VideoFrameRate, ByLayoutCodeOrByCodec) {
   testkit::Transcript t;
   for (const auto& [device, layout, command] : cases) {
     Camera cam;
-    cam.startServer();
     const bool skip = command == 6;
     setKey(cam, encoderPath(3), skip ? "Encoding" : "Channel", skip ? "MPEG4" : "4");
     t.on(cam).run(format("Device %d, layout %d", device, layout), format("-u %d", command),
-                  {{Slot::ONVIF_DEVICE, device}, {Slot::ONVIF_MULTIPLE_STREAM, layout}},
+                  {{Slot::ONVIF_DEVICE, device}, {kLayout, layout}},
                   testkit::fixture("VideoFrameRate.data"));
   }
   t.expectGolden();
@@ -194,13 +186,12 @@ TEST(VideoFrameRate, ByLayoutCodeOrByCodec) {
 TEST(VideoProfiles, H264ProfileAndEncodingPriority) {
   const std::string a = "root.Image.I0.Appearance.";
   Camera cam;
-  cam.startServer();
   cam.write(kApp, a + "H264Profile=baseline\n" + a + "H264_2Profile=high\n" + a +
                       "H264_3Profile=High\n" + a + "H264_4Profile=baseline\n");
   testkit::Transcript t(cam);
   for (int layout : {3, 6, 7, 8, 10}) {
     scramble(cam);
-    t.run(format("Layout %d", layout), "-u 15", {{Slot::ONVIF_MULTIPLE_STREAM, layout}});
+    t.run(format("Layout %d", layout), "-u 15", {{kLayout, layout}});
   }
   setKey(cam, encoderPath(2), "Encoding", "H265");
   t.run("Encoding priority", "-u 19", {},

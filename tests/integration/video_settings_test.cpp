@@ -20,8 +20,7 @@ TEST(VideoImaging, ScalesModesAndSlotsPerDeviceType) {
   testkit::Transcript t;
   int n = 0;
   for (const auto& [device, io, brand, m] : cases) {
-    Camera cam;
-    cam.startServer({{Slot::IMAGE_EXPOSURE_GAIN_MAX, 200}, {Slot::ONVIF_IMAGE_FLIP, 5}});
+    Camera cam({{Slot::IMAGE_EXPOSURE_GAIN_MAX, 200}, {Slot::ONVIF_IMAGE_FLIP, 5}});
     t.on(cam).run(format("Device %d, I/O type %d, brand %d", device, io, brand), "-u 3",
                   {{Slot::ONVIF_DEVICE, device},
                    {Slot::ONVIF_IO_TYPE, io},
@@ -38,9 +37,7 @@ TEST(VideoImaging, ScalesModesAndSlotsPerDeviceType) {
 }
 
 TEST(VideoOrientation, RotationTable) {
-  Camera cam;
-  cam.startServer();
-  testkit::Transcript t(cam);
+  testkit::Transcript t;
   for (const char* word : {"clockwise", "0", "rotate", "flip", "mirror", "counterclockwise",
                            "clockwise_mirror", "clockwise_flip", "upside_down"}) {
     t.run(format("Rotation %s", word), "-u 7", {},
@@ -77,7 +74,6 @@ TEST(VideoLimits, AvailableResolutionsAndChannelFiles) {
   testkit::Transcript t;
   for (auto [brand, list] : cases) {
     Camera cam;
-    cam.startServer();
     t.on(cam).run(format("Brand %d: %s", brand, list), "-u 13", {{Slot::ONVIF_BRAND, brand}},
                   {{"/tmp/options.conf", options(list, 25)}});
   }
@@ -85,9 +81,7 @@ TEST(VideoLimits, AvailableResolutionsAndChannelFiles) {
 }
 
 TEST(VideoLimits, NothingToSync) {
-  Camera cam;
-  cam.startServer();
-  testkit::Transcript t(cam);
+  testkit::Transcript t;
   t.run("No resolution list and no frame rate", "-u 13", {},
         {{"/tmp/options.conf", options("", 0)}});
   t.run("The list cannot be written where a folder is", "-u 13", {},

@@ -11,8 +11,7 @@ using shm::Slot;
 namespace {
 
 TEST(SyncFrame, StuckProtectFlagIsWaitedOutForThirtySeconds) {
-  testkit::Camera cam;
-  cam.startServer({{Slot::WEB_SYNC_PROTECT, 1}});
+  testkit::Camera cam({{Slot::WEB_SYNC_PROTECT, 1}});
   auto start = std::chrono::steady_clock::now();
   EXPECT_EQ(cam.run({"-u", "22"}).status, 0);
   std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;

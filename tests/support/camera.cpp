@@ -33,31 +33,25 @@ void sh(const std::string& command) {
   if (rc != 0) throw std::runtime_error("command failed: " + command);
 }
 
-std::string slurp(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
-
-std::string realTool(const char* name) {
-  for (const char* dir : {"/bin/", "/usr/bin/"}) {
-    std::string p = std::string(dir) + name;
-    if (access(p.c_str(), X_OK) == 0) return p;
-  }
-  return name;
-}
-
 // A wrapper that records its command line, then runs the real tool.
 void writeTraceWrapper(const std::string& dir, const char* name) {
   std::string path = dir + "/" + name;
   std::ofstream out(path);
   out << "#!/bin/sh\n"
-      << "{ printf '%s' '" << name << "'; for a in \"$@\"; do printf ' %s' \"$a\"; done; printf '\\n'; }"
+      << "{ printf '%s' '" << name
+      << "'; for a in \"$@\"; do printf ' %s' \"$a\"; done; printf '\\n'; }"
       << " >> \"$ONVIFCTRL_TRACE\"\n"
-      << "exec " << realTool(name) << " \"$@\"\n";
+      << "exec /bin/" << name << " \"$@\"\n";
   out.close();
   must(chmod(path.c_str(), 0755) == 0, "chmod " + path);
+}
+
+// The strings as a null-ended array for exec.
+std::vector<char*> cStrings(Lines& strings) {
+  std::vector<char*> out;
+  for (std::string& s : strings) out.push_back(s.data());
+  out.push_back(nullptr);
+  return out;
 }
 
 // A binary under test: the one built here, or the one the environment names
@@ -73,30 +67,58 @@ std::string replaceAll(std::string s, const std::string& from, const std::string
   return s;
 }
 
+void walk(const std::string& root, const std::string& dir, Tree& tree) {
+  DIR* d = opendir((root + dir).c_str());
+  if (d == nullptr) return;
+  while (const dirent* e = readdir(d)) {
+    std::string name = e->d_name, path = dir + "/" + name;
+    struct stat st {};
+    if (name == "." || name == ".." || name == ".trace" || name == ".run" ||
+        lstat((root + path).c_str(), &st) != 0)
+      continue;
+    if (S_ISDIR(st.st_mode)) walk(root, path, tree);
+    if (S_ISREG(st.st_mode)) tree[path] = readFile(root + path);
+  }
+  closedir(d);
+}
+
+// Runs `f` with ONVIFCTRL_ROOT naming `root`, where the host functions look.
+template <typename F>
+auto underRoot(const std::string& root, F f) {
+  setenv("ONVIFCTRL_ROOT", root.c_str(), 1);
+  auto result = f();
+  unsetenv("ONVIFCTRL_ROOT");
+  return result;
+}
+
 }  // namespace
 
-std::vector<std::string> splitLines(const std::string& text) {
-  std::vector<std::string> out;
+std::string readFile(const std::string& hostPath) {
+  std::ifstream in(hostPath, std::ios::binary);
+  std::ostringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
+
+Lines splitLines(const std::string& text) {
+  Lines out;
   std::size_t start = 0;
   while (start < text.size()) {
     std::size_t nl = text.find('\n', start);
-    if (nl == std::string::npos) {
-      out.push_back(text.substr(start));
-      break;
-    }
+    if (nl == std::string::npos) nl = text.size();
     out.push_back(text.substr(start, nl - start));
     start = nl + 1;
   }
   return out;
 }
 
-bool hasLine(const std::vector<std::string>& lines, const std::string& needle) {
-  for (const std::string& l : lines)
-    if (l == needle) return true;
-  return false;
+Tree filesUnder(const std::string& hostDir) {
+  Tree tree;
+  walk(hostDir, "", tree);
+  return tree;
 }
 
-Camera::Camera(const std::string& prefix) {
+Camera::Camera(const SlotValues& slots, const std::string& prefix) {
   std::string tmpl = prefix + "XXXXXX";
   must(mkdtemp(tmpl.data()) != nullptr, "mkdtemp");
   root_ = tmpl;
@@ -104,6 +126,7 @@ Camera::Camera(const std::string& prefix) {
   sh("mkdir -p '" + root_ + "/tmp/onvif/tmp' '" + root_ + "/.trace/bin' '" + root_ + "/.run'");
   writeTraceWrapper(root_ + "/.trace/bin", "cp");
   writeTraceWrapper(root_ + "/.trace/bin", "rm");
+  startServer(slots);
 }
 
 Camera::~Camera() {
@@ -111,76 +134,53 @@ Camera::~Camera() {
   std::system(("rm -rf '" + root_ + "'").c_str());
 }
 
-void Camera::startServer(std::initializer_list<std::pair<shm::Slot, int>> slots) {
-  setenv("ONVIFCTRL_ROOT", root_.c_str(), 1);
+void Camera::startServer(const SlotValues& slots) {
+  stopServer();
   std::string error;
-  bool created = false;
+  auto create = [&] { return underRoot(root_, [&] { return host::createServerBlock(&error); }); };
   // Two roots may get the same ftok key; a new inode gives a new key.
-  for (int attempt = 0; attempt < 20 && !created; ++attempt) {
-    created = host::createServerBlock(&error);
-    if (!created) {
-      std::string path = host(shm::kServerShmPath);
-      std::remove(path.c_str());
-      std::string spare = path + ".spare" + std::to_string(attempt);
-      std::FILE* f = std::fopen(spare.c_str(), "w");
-      if (f != nullptr) std::fclose(f);
-    }
+  for (int attempt = 1; !create(); ++attempt) {
+    if (attempt == 20) throw std::runtime_error("cannot create the server block: " + error);
+    std::string path = host(shm::kServerShmPath);
+    std::remove(path.c_str());
+    std::ofstream(path + ".spare" + std::to_string(attempt));
   }
-  unsetenv("ONVIFCTRL_ROOT");
-  if (!created) throw std::runtime_error("cannot create the server block: " + error);
   for (const auto& [s, v] : slots) setSlot(s, v);
 }
 
 void Camera::stopServer() {
-  setenv("ONVIFCTRL_ROOT", root_.c_str(), 1);
-  host::removeServerBlock();
-  unsetenv("ONVIFCTRL_ROOT");
+  underRoot(root_, [] { return host::removeServerBlock(); });
+  std::remove(host(shm::kServerShmPath).c_str());
 }
 
-namespace {
-
-std::optional<shm::ShmBlock> attachUnder(const std::string& root) {
-  setenv("ONVIFCTRL_ROOT", root.c_str(), 1);
-  std::optional<shm::ShmBlock> b = host::attachServerBlock();
-  unsetenv("ONVIFCTRL_ROOT");
-  if (!b) throw std::runtime_error("no server block under " + root);
-  return b;
+std::optional<shm::ShmBlock> Camera::block() const {
+  return underRoot(root_, [] { return host::attachServerBlock(); });
 }
 
-}  // namespace
+int Camera::slot(shm::Slot s) const { return block().value().get(s); }
+void Camera::setSlot(int index, int value) { block().value().put(index, value); }
 
-int Camera::slot(shm::Slot s) const { return slot(shm::index(s)); }
-int Camera::slot(int index) const { return attachUnder(root_)->at(index); }
-void Camera::setSlot(shm::Slot s, int value) { setSlot(shm::index(s), value); }
-void Camera::setSlot(int index, int value) { attachUnder(root_)->put(index, value); }
-
-RunResult Camera::exec(const std::string& binary, const std::vector<std::string>& args) const {
-  std::vector<std::string> env;
-  for (char** e = environ; *e != nullptr; ++e) {
-    std::string kv = *e;
-    if (kv.rfind("ONVIFCTRL_ROOT=", 0) == 0 || kv.rfind("PATH=", 0) == 0 ||
-        kv.rfind("ONVIFCTRL_TRACE=", 0) == 0)
-      continue;
-    env.push_back(kv);
-  }
+RunResult Camera::exec(const std::string& binary, const Lines& args) const {
   const char* path = std::getenv("PATH");
-  env.push_back("ONVIFCTRL_ROOT=" + root_);
-  env.push_back("ONVIFCTRL_TRACE=" + root_ + "/.trace/log");
-  env.push_back("PATH=" + root_ + "/.trace/bin:" + (path ? path : "/usr/bin:/bin"));
-
-  std::vector<char*> argv{const_cast<char*>(binary.c_str())};
-  for (const std::string& a : args) argv.push_back(const_cast<char*>(a.c_str()));
-  argv.push_back(nullptr);
-  std::vector<char*> envp;
-  for (std::string& kv : env) envp.push_back(kv.data());
-  envp.push_back(nullptr);
+  Lines env = {"ONVIFCTRL_ROOT=" + root_, "ONVIFCTRL_TRACE=" + root_ + "/.trace/log",
+               "PATH=" + root_ + "/.trace/bin:" + (path ? path : "/usr/bin:/bin")};
+  for (char** e = environ; *e != nullptr; ++e) {
+    const std::string kv = *e, name = kv.substr(0, kv.find('='));
+    if (name != "ONVIFCTRL_ROOT" && name != "ONVIFCTRL_TRACE" && name != "PATH") env.push_back(kv);
+  }
+  Lines words = {binary};
+  words.insert(words.end(), args.begin(), args.end());
+  std::vector<char*> argv = cStrings(words), envp = cStrings(env);
 
   std::string outPath = root_ + "/.run/out";
   std::string errPath = root_ + "/.run/err";
+  std::remove((root_ + "/.trace/log").c_str());  // the trace of this run only
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addopen(&actions, 1, outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-  posix_spawn_file_actions_addopen(&actions, 2, errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+  posix_spawn_file_actions_addopen(&actions, 1, outPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC,
+                                   0644);
+  posix_spawn_file_actions_addopen(&actions, 2, errPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC,
+                                   0644);
   pid_t pid;
   int rc = posix_spawn(&pid, binary.c_str(), &actions, nullptr, argv.data(), envp.data());
   posix_spawn_file_actions_destroy(&actions);
@@ -190,51 +190,27 @@ RunResult Camera::exec(const std::string& binary, const std::vector<std::string>
   }
   RunResult r;
   r.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  r.out = slurp(outPath);
-  r.err = slurp(errPath);
+  r.out = readFile(outPath);
+  r.err = readFile(errPath);
   return r;
 }
 
-RunResult Camera::run(const std::vector<std::string>& args) const {
+RunResult Camera::run(const Lines& args) const {
   return exec(binaryUnderTest("ONVIFCTRL_TEST_BIN", ONVIFCTRL_BIN), args);
 }
-RunResult Camera::runShm(const std::vector<std::string>& args) const {
+RunResult Camera::runShm(const Lines& args) const {
   return exec(binaryUnderTest("ONVIF_SHM_TEST_BIN", ONVIF_SHM_BIN), args);
 }
 
-RunResult Camera::runUnder(const std::vector<std::string>& wrapper,
-                           const std::vector<std::string>& args) const {
+RunResult Camera::runUnder(const Lines& wrapper, const Lines& args) const {
   std::vector<std::string> words(wrapper.begin() + 1, wrapper.end());
   words.push_back(ONVIFCTRL_BIN);
   words.insert(words.end(), args.begin(), args.end());
   return exec(wrapper.front(), words);
 }
 
-std::map<std::string, std::string> folderFiles(const std::string& hostDir) {
-  std::map<std::string, std::string> files;
-  DIR* dir = opendir(hostDir.c_str());
-  if (dir == nullptr) return files;
-  while (const dirent* e = readdir(dir)) {
-    std::string path = hostDir + "/" + e->d_name;
-    struct stat st {};
-    if (lstat(path.c_str(), &st) != 0) continue;
-    if (S_ISLNK(st.st_mode)) {
-      char target[4096];
-      ssize_t n = readlink(path.c_str(), target, sizeof target);
-      files[e->d_name] = "-> " + std::string(target, n > 0 ? static_cast<std::size_t>(n) : 0);
-    } else if (S_ISREG(st.st_mode)) {
-      files[e->d_name] = slurp(path);
-    }
-  }
-  closedir(dir);
-  return files;
-}
-
 std::string Camera::host(const std::string& cameraPath) const { return root_ + cameraPath; }
-std::string Camera::read(const std::string& cameraPath) const { return slurp(host(cameraPath)); }
-std::vector<std::string> Camera::lines(const std::string& cameraPath) const {
-  return splitLines(read(cameraPath));
-}
+std::string Camera::read(const std::string& cameraPath) const { return readFile(host(cameraPath)); }
 
 void Camera::write(const std::string& cameraPath, const std::string& content) const {
   std::string p = host(cameraPath);
@@ -254,13 +230,11 @@ void Camera::remove(const std::string& cameraPath) const {
   std::system(("rm -rf '" + host(cameraPath) + "'").c_str());
 }
 
-std::vector<std::string> Camera::errorLog() const { return lines("/tmp/onvif_error"); }
+Lines Camera::errorLog() const { return splitLines(read("/tmp/onvif_error")); }
 
-std::vector<std::string> Camera::shellTrace() const {
-  return splitLines(replaceAll(slurp(root_ + "/.trace/log"), root_, ""));
+Lines Camera::shellTrace() const {
+  return splitLines(replaceAll(readFile(root_ + "/.trace/log"), root_, ""));
 }
-
-void Camera::clearTrace() const { std::remove((root_ + "/.trace/log").c_str()); }
 
 FixedKeyLock::FixedKeyLock() : fd_(open("/tmp/onvifctrl-fixed-keys.lock", O_CREAT | O_RDWR, 0666)) {
   must(fd_ >= 0, "open the fixed-key lock");

@@ -7,10 +7,8 @@
 // paths (the root is stripped).
 #pragma once
 
-#include <sys/types.h>
-
-#include <initializer_list>
 #include <map>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -20,6 +18,10 @@
 
 namespace testkit {
 
+using Lines = std::vector<std::string>;
+using SlotValues = std::vector<std::pair<shm::Slot, int>>;
+using Tree = std::map<std::string, std::string>;  // path -> text
+
 struct RunResult {
   int status = -1;  // exit status, or -1 when the process did not exit
   std::string out;
@@ -28,50 +30,49 @@ struct RunResult {
 
 class Camera {
  public:
-  // A copy of the sample camera, with /tmp/onvif/tmp made. No block yet.
-  // The root folder's name starts with `prefix` (which must not hold a single
-  // quote), so a test can give it characters the shell would act on.
-  explicit Camera(const std::string& prefix = "/tmp/onvifctrl-test-");
+  // A copy of the sample camera, with /tmp/onvif/tmp made and the server block
+  // started with `slots`. The root folder's name starts with `prefix` (which
+  // must not hold a single quote), so a test can give it characters the shell
+  // would act on.
+  explicit Camera(const SlotValues& slots = {}, const std::string& prefix = "/tmp/onvifctrl-test-");
   ~Camera();
   Camera(const Camera&) = delete;
   Camera& operator=(const Camera&) = delete;
 
-  // Creates the server block (all slots 0) and sets the given slots.
-  void startServer(std::initializer_list<std::pair<shm::Slot, int>> slots = {});
-  void stopServer();
+  // Creates a new server block (all slots 0) in place of any earlier one and
+  // sets the given slots.
+  void startServer(const SlotValues& slots = {});
+  void stopServer();                           // the block and the file of its key go
+  std::optional<shm::ShmBlock> block() const;  // none without the server
   int slot(shm::Slot s) const;
-  int slot(int index) const;
-  void setSlot(shm::Slot s, int value);
   void setSlot(int index, int value);
+  void setSlot(shm::Slot s, int value) { setSlot(shm::index(s), value); }
 
   // Runs onvifCtrl (or onvif-shm) with the arguments under this root: the
   // built binary, or the one ONVIFCTRL_TEST_BIN (ONVIF_SHM_TEST_BIN) names.
-  RunResult run(const std::vector<std::string>& args) const;
-  RunResult runShm(const std::vector<std::string>& args) const;
+  RunResult run(const Lines& args) const;
+  RunResult runShm(const Lines& args) const;
   // Runs onvifCtrl through a wrapper: the wrapper's program (an absolute path)
   // gets the wrapper's other words, then onvifCtrl's path and `args`; for
   // instance {"/bin/sh", "-c", "ulimit -f 2; exec \"$@\"", "sh"}.
-  RunResult runUnder(const std::vector<std::string>& wrapper,
-                     const std::vector<std::string>& args) const;
+  RunResult runUnder(const Lines& wrapper, const Lines& args) const;
 
   // Files by camera path.
   std::string host(const std::string& cameraPath) const;
   std::string read(const std::string& cameraPath) const;
-  std::vector<std::string> lines(const std::string& cameraPath) const;
   void write(const std::string& cameraPath, const std::string& content) const;
   bool exists(const std::string& cameraPath) const;
   void remove(const std::string& cameraPath) const;
 
   // The lines of /tmp/onvif_error (empty when it does not exist).
-  std::vector<std::string> errorLog() const;
-  // The recorded "cp ..." and "rm ..." commands, with camera paths.
-  std::vector<std::string> shellTrace() const;
-  void clearTrace() const;
+  Lines errorLog() const;
+  // The "cp ..." and "rm ..." commands of the last run, with camera paths.
+  Lines shellTrace() const;
 
   const std::string& root() const { return root_; }
 
  private:
-  RunResult exec(const std::string& binary, const std::vector<std::string>& args) const;
+  RunResult exec(const std::string& binary, const Lines& args) const;
 
   std::string root_;
 };
@@ -89,14 +90,14 @@ class FixedKeyLock {
   int fd_;
 };
 
+// The text of a host file (empty when it cannot be read).
+std::string readFile(const std::string& hostPath);
+
 // Lines of a text (without their newlines).
-std::vector<std::string> splitLines(const std::string& text);
+Lines splitLines(const std::string& text);
 
-// True when `needle` is one of the lines.
-bool hasLine(const std::vector<std::string>& lines, const std::string& needle);
-
-// The entries of a host folder (not its subfolders) by name: a file's
-// content, or "-> target" for a link.
-std::map<std::string, std::string> folderFiles(const std::string& hostDir);
+// The regular files under a host folder and its subfolders, by their path
+// below it ("/a/b"); links are left out, and so are the kit's own folders.
+Tree filesUnder(const std::string& hostDir);
 
 }  // namespace testkit

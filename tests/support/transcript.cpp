@@ -1,8 +1,6 @@
 #include "transcript.h"
 
-#include <dirent.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <cstdarg>
@@ -14,20 +12,10 @@
 #include <sstream>
 
 #include "conf/files.h"
-#include "host_shm.h"
 
 namespace testkit {
 
 namespace {
-
-using Tree = std::map<std::string, std::string>;  // camera path -> text
-
-std::string slurp(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::ostringstream s;
-  s << in.rdbuf();
-  return s.str();
-}
 
 // The DebugLog's lines start with the time of day: "hh:mm:ss" stands for it.
 std::string withoutTimes(const std::string& log) {
@@ -41,37 +29,18 @@ std::string withoutBuildTime(const std::string& out) {
   return std::regex_replace(out, time, "ONVIFCTRL_BuildTime=Mmm dd yyyy hh:mm:ss");
 }
 
-// Regular files under `dir`, except the kit's own folders at the root and the
-// write lock that the first writing command leaves (the safety tests show it).
-void walk(const std::string& root, const std::string& dir, Tree& tree) {
-  DIR* d = opendir((root + dir).c_str());
-  if (d == nullptr) return;
-  while (const dirent* e = readdir(d)) {
-    std::string name = e->d_name;
-    if (name == "." || name == ".." || (dir.empty() && (name == ".trace" || name == ".run")))
-      continue;
-    std::string path = dir + "/" + name;
-    struct stat st {};
-    if (lstat((root + path).c_str(), &st) != 0) continue;
-    if (S_ISDIR(st.st_mode)) walk(root, path, tree);
-    if (S_ISREG(st.st_mode) && path != conf::kLockFile) {
-      tree[path] =
-          path == "/tmp/onvif/DebugLog" ? withoutTimes(slurp(root + path)) : slurp(root + path);
-    }
-  }
-  closedir(d);
-}
-
+// The files under the root but the write lock that the first writing command
+// leaves (the safety tests show it).
 Tree camFiles(const Camera& cam) {
-  Tree tree;
-  walk(cam.root(), "", tree);
+  Tree tree = filesUnder(cam.root());
+  tree.erase(conf::kLockFile);
+  auto log = tree.find("/tmp/onvif/DebugLog");
+  if (log != tree.end()) log->second = withoutTimes(log->second);
   return tree;
 }
 
 std::vector<int> camSlots(const Camera& cam) {
-  setenv("ONVIFCTRL_ROOT", cam.root().c_str(), 1);
-  std::optional<shm::ShmBlock> block = host::attachServerBlock();
-  unsetenv("ONVIFCTRL_ROOT");
+  std::optional<shm::ShmBlock> block = cam.block();
   std::vector<int> values;
   for (int i = 0; block && i <= shm::kServerSlotCount; ++i) values.push_back(block->at(i));
   return values;
@@ -177,6 +146,13 @@ void put(const Camera& cam, const Files& files) {
   for (const auto& [path, text] : files) text ? cam.write(path, *text) : cam.remove(path);
 }
 
+Lines words(const std::string& text) {
+  Lines out;
+  std::istringstream in(text);
+  for (std::string w; in >> w;) out.push_back(w);
+  return out;
+}
+
 std::string format(const char* pattern, ...) {
   char text[512];
   va_list args;
@@ -186,27 +162,28 @@ std::string format(const char* pattern, ...) {
   return text;
 }
 
-std::string golden(const std::string& name) { return slurp(ONVIFCTRL_GOLDEN "/" + name); }
+std::string golden(const std::string& name) { return readFile(ONVIFCTRL_GOLDEN "/" + name); }
 
 Files fixture(const std::string& name, const Files& more) {
-  Tree tree;
-  walk(ONVIFCTRL_GOLDEN "/" + name, "", tree);
+  const Tree tree = filesUnder(ONVIFCTRL_GOLDEN "/" + name);
   Files files(tree.begin(), tree.end());
   files.insert(files.end(), more.begin(), more.end());
   return files;
 }
 
+Camera& Transcript::cam() {
+  if (cam_ == nullptr) cam_ = (own_ = std::make_unique<Camera>(slots_)).get();
+  return *cam_;
+}
+
 void Transcript::run(const std::string& title, const std::string& command, const SlotValues& slots,
                      const Files& files) {
-  Camera& cam = *cam_;
+  Camera& cam = this->cam();
   for (const auto& [s, v] : slots) cam.setSlot(s, v);
   put(cam, files);
   const Tree filesBefore = camFiles(cam);
   const std::vector<int> slotsBefore = camSlots(cam);
-  cam.clearTrace();
-  Lines args;
-  std::istringstream words(command);
-  for (std::string w; words >> w;) args.push_back(w);
+  const Lines args = words(command);
   const bool shm = !args.empty() && args[0] == "onvif-shm";
   RunResult r = shm ? cam.runShm(Lines(args.begin() + 1, args.end())) : cam.run(args);
   const std::string shown = shm || command.empty() ? command : " " + command;

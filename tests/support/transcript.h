@@ -10,6 +10,7 @@
 // tests/golden/<Suite>.<Test>.result.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -19,12 +20,13 @@
 
 namespace testkit {
 
-using Lines = std::vector<std::string>;
 using Files = std::vector<std::pair<std::string, std::optional<std::string>>>;  // no text: no file
-using SlotValues = std::vector<std::pair<shm::Slot, int>>;
 
 // Writes each file, or removes it when its text is absent.
 void put(const Camera& cam, const Files& files);
+
+// The blank-separated words of a text.
+Lines words(const std::string& text);
 
 // printf into a string.
 std::string format(const char* pattern, ...) __attribute__((format(printf, 1, 2)));
@@ -35,11 +37,14 @@ std::string golden(const std::string& name);
 // The files under the folder tests/golden/<name>, by camera path, then `more`.
 Files fixture(const std::string& name, const Files& more = {});
 
+// Runs on `cam`, or on a camera of its own (started with `slots`, made at
+// its first use) until on() names another.
 class Transcript {
  public:
-  explicit Transcript(Camera* cam = nullptr) : cam_(cam) {}
+  explicit Transcript(SlotValues slots = {}) : slots_(std::move(slots)) {}
   explicit Transcript(Camera& cam) : cam_(&cam) {}
 
+  Camera& cam();
   // Later runs use `cam`.
   Transcript& on(Camera& cam) {
     cam_ = &cam;
@@ -57,7 +62,9 @@ class Transcript {
   void expectGolden() const;
 
  private:
-  Camera* cam_;
+  SlotValues slots_;
+  std::unique_ptr<Camera> own_;
+  Camera* cam_ = nullptr;
   std::string text_;
 };
 
