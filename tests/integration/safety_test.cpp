@@ -63,6 +63,8 @@ TEST(Safety, NamesThatAreNotPlainFileNamesAreRefused) {
       {"-u 4", b40, kLive + "Profile1.profile", "VideoEncoder=%s", {"check_codec"}},
       {"-u 2", {}, video, "%s", {"Update_Imapge_Appearance"}},
       {"-u 5", d6, video, "%s VideoEncoder1.", {"Update_framerate"}},
+      {"-u 19", {}, video, "%s", {"Update_EncodingPriority"}},
+      {"-u 15", {}, video, "%s", {"START_SYNC_H264PROFILE"}},
       {"-u 9", {}, audio, "%s", {"Update_Multicast"}},
       {"-u 4", {}, audio, "%s AudioEncoder1.", {sound}},
       {"-u 4", b12, kPersist + "AudioOutput.conf", "%s", {sound}},
