@@ -117,15 +117,16 @@ TEST(Safety, NamesThatAreNotPlainFileNamesAreRefused) {
   }
 }
 
-// Commands that use the temporary folder, so that together they use every
-// kind of name in it (rewrites, "OS_" files, the account working copy, the
-// defaults' files, a generated file, the lock); no two in a row share a name.
+// Every command that makes a name in the temporary folder (rewrites, "OS_"
+// files, the account working copy, the defaults' files, a generated file, the
+// lock), in rows where no two commands share a name.
 // Each name a normal run leaves there is planted as a link to the same file
 // of another camera.
 TEST(Safety, LinksInTheTemporaryFolderAreNeverWrittenThrough) {
   const std::pair<std::string, SlotValues> rows[] = {
       {"-u 1 -u 4 -u 12 -u 13 -u 16 -u 24 -s 3 -p 1 -a 2", {{Slot::ONVIF_BRAND, 12}}},
       {"-u 2 -u 14 -u 18 -u 26 -u 25 -u 34 -s 4 -q 2 -a 1", {}},
+      {"-u 3 -u 5 -u 6 -u 7 -u 8 -u 9 -u 11 -u 15 -u 19 -u 23 -u 29", {{Slot::ONVIF_BRAND, 40}}},
   };
   for (const auto& [command, slots] : rows) {
     Camera out, normal(slots), planted(slots);
